@@ -1,0 +1,26 @@
+// keyasn: the whole public interface in one include.
+#ifndef KEYASN_KEYASN_H_
+#define KEYASN_KEYASN_H_
+
+// Utility types.
+#include "keyasn/support/crypt_bit_blob.h"
+#include "keyasn/support/cruv_string.h"
+#include "keyasn/support/export.h"
+#include "keyasn/support/file.h"
+#include "keyasn/support/file_time.h"
+#include "keyasn/support/ident_obj.h"
+#include "keyasn/support/status.h"
+
+// Low-level codec.
+#include "keyasn/codec/decoder.h"
+#include "keyasn/codec/encoder.h"
+#include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/header.h"
+#include "keyasn/codec/sequence.h"
+
+// Record model.
+#include "keyasn/record/base_record.h"
+#include "keyasn/record/tagged.h"
+#include "keyasn/record/unit.h"
+
+#endif  // KEYASN_KEYASN_H_

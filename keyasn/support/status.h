@@ -1,0 +1,54 @@
+// XRUVMsg and XRUVStatus: the exception types of the library.
+#ifndef KEYASN_SUPPORT_STATUS_H_
+#define KEYASN_SUPPORT_STATUS_H_
+
+#include <exception>
+#include <memory>
+#include <string>
+
+#include "keyasn/support/export.h"
+
+// XRUVMsg is an exception carrying one readable message line. Copies share the
+// message, so copying never allocates (and never throws).
+class KEYASN_API XRUVMsg : public std::exception {
+ public:
+  explicit XRUVMsg(const char* message);
+  XRUVMsg(const XRUVMsg&) noexcept = default;
+  XRUVMsg& operator=(const XRUVMsg&) noexcept = default;
+  ~XRUVMsg() override;
+  // what returns the message line.
+  const char* what() const noexcept override;
+
+ protected:
+  XRUVMsg() noexcept = default;
+  void SetMessage(std::string message);
+
+ private:
+  std::shared_ptr<const std::string> m_message;
+};
+
+// XRUVStatus(code, where, flag) is the failure of a library operation: `code` is
+// one of the library's numeric codes (see keyasn/codec/error_codes.h) or an errno
+// value, `where` the place text, kept byte for byte (some place texts carry
+// Windows-1251 octets). The library always passes false as `flag`.
+class KEYASN_API XRUVStatus : public XRUVMsg {
+ public:
+  XRUVStatus(int code, const char* where, bool flag);
+  XRUVStatus(const XRUVStatus&) noexcept = default;
+  XRUVStatus& operator=(const XRUVStatus&) noexcept = default;
+  ~XRUVStatus() override;
+
+  // Status returns the numeric code.
+  int Status() const noexcept { return m_status; }
+  // Where returns the place text exactly as given.
+  const char* Where() const noexcept { return m_where ? m_where->c_str() : ""; }
+  // Flag returns the third constructor argument.
+  bool Flag() const noexcept { return m_flag; }
+
+ private:
+  int m_status;
+  bool m_flag;
+  std::shared_ptr<const std::string> m_where;
+};
+
+#endif  // KEYASN_SUPPORT_STATUS_H_

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs the library into a scratch prefix and builds a consumer against it
+# twice: with pkg-config and with find_package(keyasn).
+set -euo pipefail
+build=$1 consumer=$2 work=$3
+rm -rf "$work"; mkdir -p "$work"
+prefix=$work/prefix
+cmake --install "$build" --prefix "$prefix" >/dev/null
+for f in include/keyasn/keyasn.h include/keyasn/support/ident_obj.h lib/libkeyasn.so \
+         lib/libkeyasn.so.1 lib/pkgconfig/keyasn.pc lib/cmake/keyasn/keyasnConfig.cmake \
+         lib/cmake/keyasn/keyasnConfigVersion.cmake; do
+  [ -e "$prefix/$f" ] || { echo "not installed: $f"; exit 1; }
+done
+if find "$prefix/include" -name '*_test*' | grep -q .; then echo "tests installed"; exit 1; fi
+# 1. pkg-config
+flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs keyasn)
+c++ -std=c++17 "$consumer/main.cc" -o "$work/consumer_pc" $flags
+LD_LIBRARY_PATH=$prefix/lib "$work/consumer_pc"
+# 2. find_package
+cmake -S "$consumer" -B "$work/cmake_build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/cmake_build" >/dev/null
+LD_LIBRARY_PATH=$prefix/lib "$work/cmake_build/consumer"
+echo "consumer ok (pkg-config and find_package)"
