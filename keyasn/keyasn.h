@@ -23,4 +23,7 @@
 #include "keyasn/record/tagged.h"
 #include "keyasn/record/unit.h"
 
+// Key structures.
+#include "keyasn/keys/id_data.h"
+
 #endif  // KEYASN_KEYASN_H_
