@@ -11,6 +11,10 @@ int main() {
   } catch (const XRUVStatus& e) {
     if (e.Status() != 206 || copy.GetSize() != 5) return 1;
   }
+  ASNT_ASN_STRUCT_INFO info;
+  if (ASNTGetAsnInfo(info, der, sizeof der) != 0 || info.Tag != 16 || info.Length != 3 ||
+      info.Contents != der + 2)
+    return 1;
   std::puts("consumer: ok");
   return 0;
 }
