@@ -76,7 +76,8 @@ TEST(IdentObj, ConstructionAndCopies) {
   EXPECT_NE(a, b);
   b = a;
   EXPECT_EQ(a, b);
-  b = b;  // self-assignment keeps the octets
+  const IdentObj& same = b;
+  b = same;  // self-assignment keeps the octets
   EXPECT_EQ(b, Bytes({0xDE, 0xAD}));
 
   IdentObj moved(std::move(b));
