@@ -14,11 +14,14 @@ struct ASNT_ASN_STRUCT_INFO {
   const unsigned char* Contents;  // first contents octet inside the parsed buffer
 };
 
-// ASNTGetAsnInfo parses the identifier and length octets at `data` into `info`.
-// Returns 0; 206 when `data` is null or `size` below 2 (record untouched), for
-// bad or truncated length octets, or an indefinite primitive element without a
-// 00 00 pair; 205 when a high tag number does not end within `size`. The contents
-// are not checked against `size`, and non-minimal lengths are accepted.
+// ASNTGetAsnInfo parses the identifier and length octets at `data` into `info`
+// (cleared first). Returns 0; 206 when `data` is null or `size` below 2 (record
+// untouched), for bad, truncated or missing length octets (Length 0), or an
+// indefinite primitive element without a 00 00 pair within `size` (Length 0);
+// 205 (record cleared) when a high tag number does not end within `size`. No
+// octet at or past `size` is read. The contents are not checked against `size`,
+// and non-minimal lengths are accepted. A primitive element in the indefinite
+// form gets the Length up to its first 00 00 pair; a constructed one 0xFFFFFFFF.
 KEYASN_API int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data,
                               unsigned int size);
 
