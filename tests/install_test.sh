@@ -11,7 +11,15 @@ for f in include/keyasn/keyasn.h include/keyasn/support/ident_obj.h lib/libkeyas
          lib/cmake/keyasn/keyasnConfigVersion.cmake; do
   [ -e "$prefix/$f" ] || { echo "not installed: $f"; exit 1; }
 done
-if find "$prefix/include" -name '*_test*' | grep -q .; then echo "tests installed"; exit 1; fi
+if find "$prefix/include" -name '*_test*' -o -name 'test_*' | grep -q .; then echo "test helpers installed"; exit 1; fi
+# Every installed header compiles on its own (it includes what it needs), and only
+# public headers are installed (internal ones are not reachable from keyasn.h).
+for h in $(cd "$prefix/include" && find keyasn -name '*.h'); do
+  grep -q -F "\"$h\"" "$prefix/include/keyasn/keyasn.h" || [ "$h" = keyasn/keyasn.h ] \
+    || { echo "internal header installed: $h"; exit 1; }
+  echo "#include <$h>" | c++ -std=c++17 -fsyntax-only -I"$prefix/include" -x c++ - \
+    || { echo "header does not stand alone: $h"; exit 1; }
+done
 # 1. pkg-config
 flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs keyasn)
 c++ -std=c++17 "$consumer/main.cc" -o "$work/consumer_pc" $flags
