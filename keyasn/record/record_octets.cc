@@ -1,0 +1,59 @@
+#include "keyasn/record/record_octets.h"
+
+#include <cstdint>
+
+namespace keyasn {
+namespace detail {
+
+namespace {
+constexpr unsigned char kHighTagForm = 0x1F;
+constexpr unsigned int kMaxLowTag = 30;
+constexpr unsigned int kMaxShortLength = 127;
+}  // namespace
+
+unsigned int TagOctetsSize(unsigned int tag) {
+  if (tag <= kMaxLowTag) return 1;
+  unsigned int groups = 0;
+  do {
+    ++groups;
+    tag >>= 7;
+  } while (tag != 0);
+  return 1 + groups;
+}
+
+unsigned int PutTagOctets(unsigned char* out, unsigned char first, unsigned int tag) {
+  if (tag <= kMaxLowTag) {
+    out[0] = static_cast<unsigned char>(first | tag);
+    return 1;
+  }
+  const unsigned int n = TagOctetsSize(tag);
+  out[0] = static_cast<unsigned char>(first | kHighTagForm);
+  for (unsigned int i = n - 1; i >= 1; --i) {
+    out[i] = static_cast<unsigned char>((tag & 0x7F) | (i + 1 < n ? 0x80 : 0));
+    tag >>= 7;
+  }
+  return n;
+}
+
+unsigned int SizeOctetsSize(unsigned int length) {
+  if (length <= kMaxShortLength) return 1;
+  unsigned int n = 1;
+  while (n < 4 && (static_cast<uint64_t>(length) >> (8 * n)) != 0) ++n;
+  return n + 1;
+}
+
+unsigned int PutSizeOctets(unsigned char* out, unsigned int length) {
+  if (length <= kMaxShortLength) {
+    out[0] = static_cast<unsigned char>(length);
+    return 1;
+  }
+  const unsigned int n = SizeOctetsSize(length) - 1;
+  out[0] = static_cast<unsigned char>(0x80 | n);
+  for (unsigned int i = 0; i < n; ++i) {
+    out[1 + i] = static_cast<unsigned char>(length >> (8 * (n - 1 - i)));
+  }
+  return n + 1;
+}
+
+}  // namespace detail
+}  // namespace keyasn

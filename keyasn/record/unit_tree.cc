@@ -1,0 +1,308 @@
+#include "keyasn/record/unit_tree.h"
+
+#include <cstdint>
+#include <cstring>
+#include <list>
+#include <memory>
+#include <utility>
+
+#include "keyasn/codec/error_codes.h"
+#include "keyasn/record/record_octets.h"
+
+namespace keyasn {
+namespace detail {
+
+namespace {
+
+constexpr unsigned int kIndefinite = 0xFFFFFFFFu;
+constexpr unsigned char kUniversal = 0x00;
+constexpr unsigned char kContextSpecific = 0x80;
+
+using ItemList = std::list<CASNTBaseRecord*>;
+
+// Reaches the protected members of units and records for the tree walks. Never
+// instantiated: it only names the members.
+struct Access : CASNTUnit {
+  static ItemList& Items(CASNTUnit& u) { return u.*(&Access::items); }
+  static const ItemList& Items(const CASNTUnit& u) { return u.*(&Access::items); }
+  static ASNT_ASN_STRUCT_INFO& Header(CASNTBaseRecord& r) { return r.*(&Access::header); }
+  static const ASNT_ASN_STRUCT_INFO& Header(const CASNTBaseRecord& r) {
+    return r.*(&Access::header);
+  }
+  static IdentObj& Entry(CASNTBaseRecord& r) { return r.*(&Access::entry); }
+  static const IdentObj& Entry(const CASNTBaseRecord& r) { return r.*(&Access::entry); }
+  static IdentObj& Encoded(CASNTBaseRecord& r) { return r.*(&Access::encoded); }
+  static const IdentObj& Encoded(const CASNTBaseRecord& r) { return r.*(&Access::encoded); }
+};
+
+// A constructed unit whose children are being read.
+struct ReadFrame {
+  CASNTUnit* unit = nullptr;
+  std::unique_ptr<CASNTUnit> owned;  // null for the unit the caller handed in
+  const unsigned char* data = nullptr;
+  unsigned int size = 0;
+  unsigned int h = 0;
+  unsigned int length = 0;
+  bool indefinite = false;
+  unsigned int o = 0;
+};
+
+// Reads `unit` up to its children. Returns true when the unit is finished (with
+// `*code` and `*used`), false when its children are to be read next (`*frame`).
+bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size, ReadFrame* frame,
+               int* code, unsigned int* used) {
+  DestroyUnitItems(unit);
+  int local = kOk;
+  const unsigned int h = unit->ReadASNInfo(data, size, &local);
+  *used = h;
+  if (local != kOk) {
+    *code = kErrBadIdentifier;  // whatever the parser said
+    return true;
+  }
+  const ASNT_ASN_STRUCT_INFO& header = Access::Header(*unit);
+  const unsigned int length = header.Length;
+  const uint64_t total = static_cast<uint64_t>(h) + length;
+  if (!header.Constructed) {
+    if (header.Class == kUniversal) {
+      if (total > size) {
+        *code = kErrMalformed;  // the element runs beyond the data
+        return true;
+      }
+      Access::Entry(*unit).Empty();
+      Access::Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
+    } else if (header.Class == kContextSpecific) {
+      // Contents that hold exactly one whole element become the single item.
+      auto inner = std::make_unique<CASNTBaseRecord>();
+      int innerCode = kOk;
+      const unsigned int innerUsed = inner->ReadData(data + h, size - h, &innerCode);
+      if (innerCode == kOk && innerUsed == length) {
+        Access::Items(*unit).push_back(inner.get());
+        inner.release();
+      } else {
+        if (total > size) {
+          *code = kErrMalformed;
+          return true;
+        }
+        Access::Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
+      }
+    } else {
+      *code = kErrMalformed;  // application or private primitive
+      return true;
+    }
+    *code = kOk;
+    *used = static_cast<unsigned int>(total);
+    return true;
+  }
+  if (length != kIndefinite) {
+    if (length == 0) {
+      *code = kOk;
+      return true;
+    }
+  } else if (size <= h) {
+    *code = kErrMalformed;  // indefinite with no contents
+    return true;
+  }
+  frame->unit = unit;
+  frame->data = data;
+  frame->size = size;
+  frame->h = h;
+  frame->length = length;
+  frame->indefinite = length == kIndefinite;
+  frame->o = h;
+  return false;
+}
+
+}  // namespace
+
+unsigned int ReadUnitTree(CASNTUnit* root, const unsigned char* data, unsigned int size,
+                          int* code) {
+  int rc = kOk;
+  unsigned int used = 0;
+  std::vector<ReadFrame> stack(1);
+  if (StartUnit(root, data, size, &stack.back(), &rc, &used)) {
+    *code = rc;
+    return used;
+  }
+  for (;;) {
+    ReadFrame& top = stack.back();
+    auto child = std::make_unique<CASNTUnit>();
+    ReadFrame next;
+    if (!StartUnit(child.get(), top.data + top.o, top.size - top.o, &next, &rc, &used)) {
+      next.owned = std::move(child);
+      stack.push_back(std::move(next));
+      continue;
+    }
+    // The finished child goes to its parent; a parent that finishes with it goes
+    // on to its own parent in turn.
+    for (;;) {
+      ReadFrame& parent = stack.back();
+      parent.o += used;
+      bool done = true;
+      if (rc != kOk) {
+        used = parent.o;  // the failed child is released, the code passed up unchanged
+      } else {
+        Access::Items(*parent.unit).push_back(child.get());
+        child.release();
+        const unsigned int o = parent.o;
+        if (!parent.indefinite) {
+          done = o - parent.h >= parent.length;
+          used = o;
+        } else if (o + 2 <= parent.size && parent.data[o] == 0 && parent.data[o + 1] == 0) {
+          used = o + 2;  // the end-of-contents octets are consumed
+        } else if (o >= parent.size) {
+          rc = kErrMalformed;
+          used = o;
+        } else {
+          done = false;
+        }
+      }
+      if (!done) break;
+      child = std::move(parent.owned);
+      stack.pop_back();
+      if (stack.empty()) {
+        *code = rc;
+        return used;
+      }
+    }
+  }
+}
+
+void LayOutUnit(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
+  nodes->clear();
+  struct Cursor {
+    ItemList::const_iterator it;
+    ItemList::const_iterator end;
+    unsigned int index;
+  };
+  const ItemList& rootItems = Access::Items(root);
+  nodes->push_back(UnitNode{&root, 0, 1, 0, 0, !rootItems.empty()});
+  std::vector<Cursor> stack;
+  stack.push_back(Cursor{rootItems.begin(), rootItems.end(), 0});
+  while (!stack.empty()) {
+    Cursor& cursor = stack.back();
+    if (cursor.it == cursor.end) {
+      (*nodes)[cursor.index].end = static_cast<unsigned int>(nodes->size());
+      stack.pop_back();
+      continue;
+    }
+    const CASNTBaseRecord* item = *cursor.it;
+    ++cursor.it;
+    const unsigned int parent = cursor.index;
+    const unsigned int index = static_cast<unsigned int>(nodes->size());
+    // Items are created by units only, so an item that is a unit with items is a
+    // CASNTUnit.
+    const bool branch = item->IsUnit();
+    nodes->push_back(UnitNode{item, parent, index + 1, 0, 0, branch});
+    if (branch) {
+      const ItemList& sub = Access::Items(static_cast<const CASNTUnit&>(*item));
+      stack.push_back(Cursor{sub.begin(), sub.end(), index});
+    }
+  }
+  // Children follow their parent in pre-order, so one backward pass sizes every
+  // subtree before its parent needs it.
+  for (size_t i = nodes->size(); i-- > 0;) {
+    UnitNode& node = (*nodes)[i];
+    if (node.branch) {
+      node.size = TagOctetsSize(node.record->GetTag()) + SizeOctetsSize(node.contents) +
+                  node.contents;
+    } else {
+      node.size = node.record->GetObjectSize();
+    }
+    if (i != 0) (*nodes)[node.parent].contents += node.size;
+  }
+}
+
+unsigned int WriteUnitNodes(const std::vector<UnitNode>& nodes, unsigned char* buffer,
+                            unsigned int size) {
+  if (!buffer) return 0;
+  unsigned int offset = 0;
+  std::vector<unsigned int> open;  // branches whose items are being written
+  size_t i = 0;
+  while (i < nodes.size()) {
+    while (!open.empty() && nodes[open.back()].end <= i) open.pop_back();
+    const UnitNode& node = nodes[i];
+    if (node.branch) {
+      if (size - offset < node.size) {
+        i = node.end;  // a unit that does not fit writes nothing
+        continue;
+      }
+      const ASNT_ASN_STRUCT_INFO& header = Access::Header(*node.record);
+      offset += PutTagOctets(buffer + offset,
+                             static_cast<unsigned char>(header.Class | header.Constructed),
+                             header.Tag);
+      offset += PutSizeOctets(buffer + offset, node.contents);
+      open.push_back(static_cast<unsigned int>(i));
+      ++i;
+      continue;
+    }
+    int local = kOk;
+    offset += node.record->WriteData(buffer + offset, size - offset, &local);
+    if (local != kOk && !open.empty()) {
+      i = nodes[open.back()].end;  // a failed item stops the rest of its parent
+      open.pop_back();
+      continue;
+    }
+    ++i;
+  }
+  return offset;
+}
+
+void CopyUnitTree(const CASNTUnit& from, CASNTUnit* to) {
+  if (&from == to) return;
+  // Built aside first, so `from` may even lie inside `to`'s own tree.
+  CASNTUnit copy;
+  struct Pair {
+    const CASNTUnit* from;
+    CASNTUnit* to;
+  };
+  auto copyFields = [](const CASNTUnit& source, CASNTUnit* target) {
+    Access::Header(*target) = Access::Header(source);  // contents pointer included
+    Access::Entry(*target) = Access::Entry(source);
+    Access::Encoded(*target) = Access::Encoded(source);
+  };
+  copyFields(from, &copy);
+  std::vector<Pair> work;
+  work.push_back(Pair{&from, &copy});
+  while (!work.empty()) {
+    const Pair pair = work.back();
+    work.pop_back();
+    ItemList& target = Access::Items(*pair.to);
+    for (const CASNTBaseRecord* item : Access::Items(*pair.from)) {
+      if (item->IsUnit()) {
+        const CASNTUnit& sourceUnit = static_cast<const CASNTUnit&>(*item);
+        auto unit = std::make_unique<CASNTUnit>();
+        copyFields(sourceUnit, unit.get());
+        target.push_back(unit.get());
+        work.push_back(Pair{&sourceUnit, unit.release()});
+      } else {
+        // An empty unit is copied as a plain record on purpose.
+        auto record = std::make_unique<CASNTBaseRecord>(*item);
+        target.push_back(record.get());
+        record.release();
+      }
+    }
+  }
+  DestroyUnitItems(to);
+  Access::Header(*to) = Access::Header(copy);
+  Access::Entry(*to) = std::move(Access::Entry(copy));
+  Access::Encoded(*to) = std::move(Access::Encoded(copy));
+  Access::Items(*to).splice(Access::Items(*to).end(), Access::Items(copy));
+}
+
+void DestroyUnitItems(CASNTUnit* unit) noexcept {
+  // Grandchildren are moved up before their parent goes, so no destructor ever
+  // recurses into a subtree.
+  ItemList pending;
+  pending.splice(pending.end(), Access::Items(*unit));
+  while (!pending.empty()) {
+    CASNTBaseRecord* record = pending.front();
+    pending.pop_front();
+    if (record->IsUnit()) {
+      pending.splice(pending.end(), Access::Items(*static_cast<CASNTUnit*>(record)));
+    }
+    delete record;
+  }
+}
+
+}  // namespace detail
+}  // namespace keyasn
