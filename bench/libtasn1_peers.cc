@@ -1,0 +1,64 @@
+// The libtasn1 rows of every workload. libtasn1 and OpenSSL declare the same
+// type name (asn1_node), so their rows live in separate files.
+#include "bench/libtasn1_peers.h"
+
+#include <libtasn1.h>
+
+#include <cstring>
+
+#include "bench/bench_common.h"
+#include "bench/datagen.h"
+
+namespace bench {
+
+namespace {
+inline uint64_t HeaderTerm(unsigned int identifier, uint64_t length) {
+  return uint64_t{identifier} * 65537 + length + (uint64_t{1} << 40);
+}
+}  // namespace
+
+uint64_t Libtasn1Headers() {
+  const Bytes& in = In().w1;
+  const unsigned char* p = in.data();
+  const unsigned char* const end = p + in.size();
+  uint64_t sum = 0;
+  while (p < end) {
+    unsigned char cls = 0;
+    int taglen = 0;
+    unsigned long tag = 0;
+    if (asn1_get_tag_der(p, static_cast<int>(end - p), &cls, &taglen, &tag) != ASN1_SUCCESS)
+      return 0;
+    int lenlen = 0;
+    const long len = asn1_get_length_der(p + taglen, static_cast<int>(end - p - taglen), &lenlen);
+    if (len < 0) return 0;
+    sum += HeaderTerm(static_cast<unsigned int>(cls | tag), static_cast<uint64_t>(len));
+    p += taglen + lenlen + len;
+  }
+  return sum;
+}
+
+uint64_t Libtasn1OidEnc() {
+  uint64_t h = kFnvBasis;
+  for (const std::string& s : In().oids) {
+    unsigned char buf[64];
+    int n = sizeof buf;
+    if (asn1_object_id_der(s.c_str(), buf, &n, 0) != ASN1_SUCCESS || n < 3) return 0;
+    h = Fnv1a(h, buf + 2, static_cast<size_t>(n - 2));
+  }
+  return h;
+}
+
+uint64_t Libtasn1OidDec() {
+  uint64_t h = kFnvBasis;
+  for (const Bytes& lc : In().oid_len_contents) {
+    char text[160];
+    int used = 0;
+    if (asn1_get_object_id_der(lc.data(), static_cast<int>(lc.size()), &used, text, sizeof text) !=
+        ASN1_SUCCESS)
+      return 0;
+    h = Fnv1a(Fnv1a(h, text, std::strlen(text)), "\n", 1);
+  }
+  return h;
+}
+
+}  // namespace bench
