@@ -23,6 +23,9 @@
 #include "keyasn/record/tagged.h"
 #include "keyasn/record/unit.h"
 
+// Typed value helpers.
+#include "keyasn/der/der_helper.h"
+
 // Key structures.
 #include "keyasn/keys/id_data.h"
 
