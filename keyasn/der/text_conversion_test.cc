@@ -45,11 +45,11 @@ TEST(DerText, ToStringAndToWStringUnderUtf8Locale) {
   EXPECT_EQ(DerHelper::ToWString(std::string("A\0B", 3)), L"A");
   EXPECT_EQ(DerHelper::ToString(std::wstring(L"\0A", 2)), "");
   EXPECT_EQ(DerHelper::ToWString(std::string("\0A", 2)), L"");
-  // Not valid UTF-8, or not a character.
+  // Not valid UTF-8, or a lone surrogate.
   ExpectStatus([] { DerHelper::ToWString("\xD0"); }, EILSEQ, "DerHelper::ToWString mbsrtowcs(1)");
   ExpectStatus([] { DerHelper::ToWString("A\x80"); }, EILSEQ,
                "DerHelper::ToWString mbsrtowcs(1)");
-  ExpectStatus([] { DerHelper::ToString(std::wstring(1, static_cast<wchar_t>(0x110000))); },
+  ExpectStatus([] { DerHelper::ToString(std::wstring(1, static_cast<wchar_t>(0xD800))); },
                EILSEQ, "DerHelper::ToString wcsrtombs(1)");
   // The library reads the locale but never changes it.
   EXPECT_EQ(CurrentLocale(), "C.UTF-8");
