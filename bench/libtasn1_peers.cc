@@ -61,4 +61,63 @@ uint64_t Libtasn1OidDec() {
   return h;
 }
 
+uint64_t Libtasn1Split() {
+  const SplitInput& in = In().w2;
+  std::vector<std::vector<uint8_t>> items;
+  const unsigned char* p = in.contents();
+  const unsigned char* const end = p + in.size();
+  while (p < end) {
+    unsigned char cls = 0;
+    int taglen = 0;
+    unsigned long tag = 0;
+    if (asn1_get_tag_der(p, static_cast<int>(end - p), &cls, &taglen, &tag) != ASN1_SUCCESS)
+      return 0;
+    int lenlen = 0;
+    const long len = asn1_get_length_der(p + taglen, static_cast<int>(end - p - taglen), &lenlen);
+    if (len < 0) return 0;
+    const unsigned char* next = p + taglen + lenlen + len;
+    items.emplace_back(p, next);
+    p = next;
+  }
+  uint64_t sum = uint64_t{items.size()} << 32;
+  for (const auto& item : items) sum += item[0] & 0x1F;
+  return sum;
+}
+
+namespace {
+// Counts the elements in [p, end), entering constructed ones; -1 on error.
+int64_t Walk(const unsigned char* p, const unsigned char* end) {
+  int64_t count = 0;
+  while (p < end) {
+    unsigned char cls = 0;
+    int taglen = 0;
+    unsigned long tag = 0;
+    if (asn1_get_tag_der(p, static_cast<int>(end - p), &cls, &taglen, &tag) != ASN1_SUCCESS)
+      return -1;
+    int lenlen = 0;
+    const long len = asn1_get_length_der(p + taglen, static_cast<int>(end - p - taglen), &lenlen);
+    if (len < 0) return -1;
+    const unsigned char* contents = p + taglen + lenlen;
+    ++count;
+    if (cls & ASN1_CLASS_STRUCTURED) {
+      const int64_t inner = Walk(contents, contents + len);
+      if (inner < 0) return -1;
+      count += inner;
+    }
+    p = contents + len;
+  }
+  return count;
+}
+}  // namespace
+
+uint64_t Libtasn1Walk() {
+  uint64_t count = 0;
+  for (const Bytes& c : In().certs) {
+    const int64_t n = Walk(c.data(), c.data() + c.size());
+    if (n < 0) return 0;
+    count += static_cast<uint64_t>(n);
+  }
+  return count;
+}
+
 }  // namespace bench
