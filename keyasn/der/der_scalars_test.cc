@@ -283,6 +283,7 @@ TEST(DerScalars, DecodeBool) {
       {"80 true", "01 01 80", false, true},
       {"only the first octet counts", "01 02 00 01", false, false},
       {"first octet set", "01 02 01 00", false, true},
+      {"no contents octet: nothing read, false", "01 00", false, false},
       {"boolean with the tag check skipped", "01 01 01", true, true},
   };
   for (const Row& row : rows) {
