@@ -27,6 +27,9 @@
 #include "keyasn/der/der_helper.h"
 
 // Key structures.
+#include "keyasn/keys/container_info.h"
 #include "keyasn/keys/id_data.h"
+#include "keyasn/keys/key_info.h"
+#include "keyasn/keys/valid.h"
 
 #endif  // KEYASN_KEYASN_H_
