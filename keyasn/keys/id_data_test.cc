@@ -272,6 +272,15 @@ TEST(CASNTIdData, FileRoundTrip) {
   EXPECT_EQ(in.CurPos(), 30u);
 }
 
+TEST(CASNTIdData, FileWriteReturnsWhatTheFileTook) {
+  TempFile file(HexBytes("00"));
+  CRUVFile readOnly(file.path(), "rb");
+  int err = kUntouched;
+  EXPECT_EQ(Make("2A", "").WriteData(readOnly, &err), 0u);
+  EXPECT_EQ(err, kUntouched);
+  EXPECT_EQ(ToHex(file.Contents()), "00");
+}
+
 TEST(CASNTIdData, FileReads) {
   struct Row {
     const char* name;

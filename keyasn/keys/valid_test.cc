@@ -35,7 +35,7 @@ std::string Text(const CRUVFileTime& time) {
   if (time.GetTicks() == 0) return "none";
   SYSTEMTIME st;
   if (!FileTimeToSystemTime(&time.GetFileTime(), &st)) return "unconvertible";
-  char text[40];
+  char text[64];
   std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%03u", st.wYear, st.wMonth,
                 st.wDay, st.wHour, st.wMinute, st.wSecond, st.wMilliseconds);
   return text;
