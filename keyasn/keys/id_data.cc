@@ -18,7 +18,8 @@ constexpr unsigned int kNullTag = 5;
 constexpr unsigned int kIndefinite = 0xFFFFFFFF;
 
 // ReadObjectId reads the OBJECT IDENTIFIER element at the front of `data` into
-// `objId` (its contents octets) and returns the octets it used.
+// `objId` and returns the octets it used. The identifier is kept as its contents
+// octets as they stand (not as dotted text), so it writes back unchanged.
 unsigned int ReadObjectId(const unsigned char* data, unsigned int size, IdentObj& objId) {
   CASNTBaseRecord record;
   const unsigned int used = record.ReadData(data, size, nullptr);
@@ -29,8 +30,8 @@ unsigned int ReadObjectId(const unsigned char* data, unsigned int size, IdentObj
   return used;
 }
 
-// ReadParameters looks at the element at the front of `data` (`size` >= 0 octets):
-// NULL leaves `addInfo` empty and returns 0 (the NULL is not counted, kept for
+// ReadParameters looks at the element at the front of `data` (possibly no octets
+// at all, which the record model reports as malformed): NULL leaves `addInfo` empty and returns 0 (the NULL is not counted, kept for
 // compatibility); any other element is kept whole and its size returned.
 unsigned int ReadParameters(const unsigned char* data, unsigned int size, IdentObj& addInfo) {
   CASNTBaseRecord record;

@@ -4,6 +4,7 @@
 #include <list>
 
 #include "keyasn/codec/sequence.h"
+#include "keyasn/keys/time_limit.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/record/tagged.h"
 

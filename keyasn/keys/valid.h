@@ -38,15 +38,4 @@ class KEYASN_API CASNValid {
   IdentObj encoded;
 };
 
-namespace keyasn {
-namespace detail {
-
-// The first instant written as GeneralizedTime: 2050-01-01 00:00:01 UTC, built
-// once when the library loads. It lies one second past the turn of 2050, so
-// 2050-01-01 00:00:00 itself still goes out as UTCTime (kept for compatibility).
-extern const CRUVFileTime kValidityTimeLimit;
-
-}  // namespace detail
-}  // namespace keyasn
-
 #endif  // KEYASN_KEYS_VALID_H_

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "keyasn/keys/test_util.h"
+#include "keyasn/keys/time_limit.h"
 #include "keyasn/support/file_time.h"
 #include "keyasn/support/status.h"
 #include "keyasn/support/test_hex.h"
