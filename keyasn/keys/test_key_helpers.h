@@ -1,0 +1,56 @@
+// Test helpers for the key structures: expected failures and truncation sweeps.
+// Used by the *_test.cc files only.
+#ifndef KEYASN_KEYS_TEST_KEY_HELPERS_H_
+#define KEYASN_KEYS_TEST_KEY_HELPERS_H_
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "keyasn/support/status.h"
+
+namespace keyasn {
+namespace testing {
+
+// ExpectStatus runs `action` and expects it to throw XRUVStatus with exactly this
+// code and place text (compared octet for octet).
+inline void ExpectStatus(const std::function<void()>& action, int code,
+                         const std::string& where) {
+  try {
+    action();
+    ADD_FAILURE() << "no XRUVStatus thrown; expected " << code << " at " << where;
+  } catch (const XRUVStatus& status) {
+    EXPECT_EQ(status.Status(), code);
+    EXPECT_EQ(std::string(status.Where()), where);
+    EXPECT_FALSE(status.Flag());
+  }
+}
+
+// AcceptedPrefixes reads every proper prefix of `bytes` from a heap buffer of exactly
+// that size (so that AddressSanitizer sees any over-read) and returns the lengths
+// for which `read` reported success. An XRUVStatus counts as a refusal; any other
+// exception escapes and fails the test.
+inline std::vector<size_t> AcceptedPrefixes(
+    const std::vector<unsigned char>& bytes,
+    const std::function<bool(const unsigned char*, unsigned int)>& read) {
+  std::vector<size_t> accepted;
+  for (size_t n = 0; n < bytes.size(); ++n) {
+    std::vector<unsigned char> prefix(bytes.begin(), bytes.begin() + static_cast<long>(n));
+    const unsigned char* data = n ? prefix.data() : nullptr;
+    bool ok = false;
+    try {
+      ok = read(data, static_cast<unsigned int>(n));
+    } catch (const XRUVStatus&) {
+      ok = false;
+    }
+    if (ok) accepted.push_back(n);
+  }
+  return accepted;
+}
+
+}  // namespace testing
+}  // namespace keyasn
+
+#endif  // KEYASN_KEYS_TEST_KEY_HELPERS_H_
