@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,31 @@ inline std::vector<size_t> AcceptedPrefixes(
     if (ok) accepted.push_back(n);
   }
   return accepted;
+}
+
+// Tlv returns the one-octet identifier `tag`, the DER length octets of `contents`
+// and `contents`.
+inline std::vector<unsigned char> Tlv(unsigned char tag,
+                                      const std::vector<unsigned char>& contents) {
+  std::vector<unsigned char> out = {tag};
+  const size_t n = contents.size();
+  if (n < 128) {
+    out.push_back(static_cast<unsigned char>(n));
+  } else {
+    std::vector<unsigned char> length;
+    for (size_t v = n; v; v >>= 8) length.insert(length.begin(), static_cast<unsigned char>(v));
+    out.push_back(static_cast<unsigned char>(0x80 | length.size()));
+    out.insert(out.end(), length.begin(), length.end());
+  }
+  out.insert(out.end(), contents.begin(), contents.end());
+  return out;
+}
+
+// Cat joins octet runs.
+inline std::vector<unsigned char> Cat(std::initializer_list<std::vector<unsigned char>> parts) {
+  std::vector<unsigned char> out;
+  for (const std::vector<unsigned char>& part : parts) out.insert(out.end(), part.begin(), part.end());
+  return out;
 }
 
 }  // namespace testing
