@@ -27,9 +27,14 @@
 #include "keyasn/der/der_helper.h"
 
 // Key structures.
+#include "keyasn/keys/alg_add_info.h"
 #include "keyasn/keys/container_info.h"
+#include "keyasn/keys/cryptoki.h"
+#include "keyasn/keys/encrypted_key.h"
+#include "keyasn/keys/export_key.h"
 #include "keyasn/keys/id_data.h"
 #include "keyasn/keys/key_info.h"
+#include "keyasn/keys/key_record.h"
 #include "keyasn/keys/valid.h"
 
 #endif  // KEYASN_KEYASN_H_

@@ -312,10 +312,10 @@ TEST(CASNAlgAddInfo, PrefixesNeverReadBeyondTheirSize) {
 TEST(CASNAlgAddInfo, CopiesAreDeep) {
   CASNAlgAddInfo a(kSign, kHash, nullptr);
   CASNAlgAddInfo b = a;
-  b.SetHashOID("1.2");
+  b.SetHashOID("1.2.3");
   EXPECT_EQ(a.GetHashOID(), kHash);
   a = b;
-  EXPECT_EQ(a.GetHashOID(), "1.2");
+  EXPECT_EQ(a.GetHashOID(), "1.2.3");
 }
 
 }  // namespace
