@@ -15,50 +15,99 @@ constexpr unsigned int kMaxLongFormOctets = 8;
 
 }  // namespace
 
-int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
-  if (!data || size < 2) return keyasn::kErrMalformed;
-  info = ASNT_ASN_STRUCT_INFO{};
-  info.Constructed = data[0] & kConstructedBit;
-  info.Class = data[0] & kClassMask;
-  unsigned int pos = 0;
-  if (keyasn::detail::ReadTagNumber(data, size, &info.Tag, &pos) != keyasn::kOk) {
-    info = ASNT_ASN_STRUCT_INFO{};
-    return keyasn::kErrBadIdentifier;
-  }
-  // A multi-octet identifier may fill the whole buffer: no length octet left.
-  if (pos >= size) return keyasn::kErrMalformed;
-  const unsigned char first = data[pos++];
-  if (first < kIndefiniteLength) {
-    info.Length = first;
-    info.Contents = data + pos;
-    return keyasn::kOk;
-  }
-  if (first == kIndefiniteLength) {
-    info.Contents = data + pos;
-    if (info.Constructed) {
-      info.Length = 0xFFFFFFFFu;
+namespace {
+
+inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned int tag,
+                      unsigned int length, const unsigned char* contents) {
+  info.Class = first & kClassMask;
+  info.Constructed = first & kConstructedBit;
+  info.Tag = tag;
+  info.Length = length;
+  info.Contents = contents;
+}
+
+// The length octets from `lead` on (the long and indefinite forms); `pos` is the
+// offset just behind `lead`. Kept out of line so that the common one-octet
+// identifier with a short length needs no stack frame.
+__attribute__((noinline)) int ParseLongLength(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size,
+                    unsigned int pos, unsigned char first, unsigned int tag, unsigned char lead) {
+  if (lead == kIndefiniteLength) {
+    if (first & kConstructedBit) {
+      SetHeader(info, first, tag, 0xFFFFFFFFu, data + pos);
       return keyasn::kOk;
     }
     // A primitive element in the indefinite form (accepted by this library) ends
     // at the first pair of zero octets within the buffer.
     for (unsigned int i = pos; i + 1 < size; ++i) {
       if (data[i] == 0 && data[i + 1] == 0) {
-        info.Length = i - pos;
+        SetHeader(info, first, tag, i - pos, data + pos);
         return keyasn::kOk;
       }
     }
+    SetHeader(info, first, tag, 0, data + pos);
     return keyasn::kErrMalformed;
   }
-  const unsigned int count = first & 0x7Fu;
-  if (count > kMaxLongFormOctets) return keyasn::kErrMalformed;
+  const unsigned int count = lead & 0x7Fu;
+  // A bad or truncated length leaves Length 0 and no contents.
+  SetHeader(info, first, tag, 0, nullptr);
+  if (count > kMaxLongFormOctets || count > size - pos) return keyasn::kErrMalformed;
   unsigned int length = 0;
-  for (unsigned int i = 0; i < count; ++i) {
-    if (pos >= size) return keyasn::kErrMalformed;  // Length stays 0
+  for (unsigned int i = 0; i < count; ++i)
     length = (length << 8) + data[pos++];  // of more than four octets the last four count
-  }
   info.Length = length;
   info.Contents = data + pos;
   return keyasn::kOk;
+}
+
+}  // namespace
+
+namespace {
+
+// A header whose identifier carries a high tag number (0x1F form).
+__attribute__((noinline)) int ParseHighTagHeader(ASNT_ASN_STRUCT_INFO& info,
+                                                 const unsigned char* data, unsigned int size) {
+  const unsigned char first = data[0];
+  unsigned int tag = 0;
+  unsigned int pos = 1;
+  if (keyasn::detail::ReadTagNumber(data, size, &tag, &pos) != keyasn::kOk) {
+    info = ASNT_ASN_STRUCT_INFO{};
+    return keyasn::kErrBadIdentifier;
+  }
+  // A multi-octet identifier may fill the whole buffer: no length octet left.
+  if (pos >= size) {
+    SetHeader(info, first, tag, 0, nullptr);
+    return keyasn::kErrMalformed;
+  }
+  const unsigned char lead = data[pos++];
+  if (lead < kIndefiniteLength) {
+    SetHeader(info, first, tag, lead, data + pos);
+    return keyasn::kOk;
+  }
+  return ParseLongLength(info, data, size, pos, first, tag, lead);
+}
+
+}  // namespace
+
+int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
+  if (!data || size < 2) return keyasn::kErrMalformed;
+  const unsigned char first = data[0];
+  const unsigned int tag = first & 0x1Fu;
+  if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
+  const unsigned char lead = data[1];
+  if (lead < kIndefiniteLength) {
+    SetHeader(info, first, tag, lead, data + 2);
+    return keyasn::kOk;
+  }
+  // The one- and two-octet long forms that fit the buffer, inline.
+  if (lead == 0x81 && size > 2) {
+    SetHeader(info, first, tag, data[2], data + 3);
+    return keyasn::kOk;
+  }
+  if (lead == 0x82 && size > 3) {
+    SetHeader(info, first, tag, (static_cast<unsigned int>(data[2]) << 8) | data[3], data + 4);
+    return keyasn::kOk;
+  }
+  return ParseLongLength(info, data, size, 2, first, tag, lead);
 }
 
 IdentObj BuildTag(unsigned char tagClass, bool constructed, unsigned int tag) {
