@@ -17,8 +17,12 @@ enum class Contents {
   kCopy,     // the value octets as they are
   kSmall,    // octets built on the stack
   kInteger,  // the value octets reversed
-  kOid,      // built from the dotted text
+  kOid,      // built from the dotted text (too long for the stack buffer)
 };
+
+// Object identifiers up to this many contents octets are built on the stack in
+// one walk over the text; longer ones are walked a second time into the result.
+constexpr unsigned int kStackOidContents = 64;
 
 bool AllZero(const unsigned char* data, unsigned int size) {
   for (unsigned int i = 0; i < size; ++i)
@@ -48,7 +52,8 @@ IdentObj ASNTLowEncodeData(const ASNT_ASN_STRUCT_INFO& info, const unsigned char
   Contents kind = Contents::kNone;
   unsigned int length = 0;      // what the length octets say
   unsigned int written = 0;     // contents octets actually written
-  unsigned char small[keyasn::detail::kGeneralizedTimeTextSize];
+  unsigned char small[kStackOidContents];
+  static_assert(sizeof small >= keyasn::detail::kGeneralizedTimeTextSize, "time text fits");
 
   if (info.Class == kContextSpecific) {
     kind = Contents::kCopy;
@@ -75,9 +80,9 @@ IdentObj ASNTLowEncodeData(const ASNT_ASN_STRUCT_INFO& info, const unsigned char
       case 5:  // NULL
         break;
       case 6:  // OBJECT IDENTIFIER
-        kind = Contents::kOid;
-        length = written = keyasn::detail::OidContentsSize(data, size);
+        length = written = keyasn::detail::WriteOidContents(data, size, small, sizeof small);
         if (written > keyasn::detail::kMaxOidContents) return IdentObj();
+        kind = written <= sizeof small ? Contents::kSmall : Contents::kOid;
         break;
       case 23:    // UTCTime
       case 24: {  // GeneralizedTime
@@ -114,7 +119,7 @@ IdentObj ASNTLowEncodeData(const ASNT_ASN_STRUCT_INFO& info, const unsigned char
       if (written) std::memcpy(out, data, written);
       break;
     case Contents::kSmall:
-      std::memcpy(out, small, written);
+      if (written) std::memcpy(out, small, written);
       break;
     case Contents::kInteger:
       for (unsigned int i = 0; i < written; ++i) out[i] = data ? data[written - 1 - i] : 0;

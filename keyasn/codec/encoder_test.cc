@@ -314,6 +314,47 @@ TEST(ASNTLowEncodeData, ObjectIdentifierOfMoreThan4096OctetsIsRefused) {
   EXPECT_EQ(Encode(Info(0, 0, 6), Text(huge)).Count(), 4u + 4095u);
 }
 
+// Short identifiers are built on the stack in one walk, longer ones in a second
+// walk into the result: the octets must not depend on which way was taken.
+TEST(ASNTLowEncodeData, ObjectIdentifierAroundTheStackBufferSize) {
+  struct Row {
+    const char* name;
+    int sevenBitArcs;      // ".127" components after "1.2"
+    const char* lastArc;   // appended last (may be empty)
+    unsigned int contents;
+  };
+  const Row rows[] = {
+      {"63 octets", 62, "", 63},
+      {"64 octets", 63, "", 64},
+      {"65 octets", 64, "", 65},
+      {"two-octet arc across the boundary", 62, ".16383", 65},
+      {"five-octet arc ending at the boundary", 58, ".4294967295", 64},
+      {"five-octet arc across the boundary", 59, ".4294967295", 65},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    std::string text = "1.2";
+    std::vector<unsigned char> expected = {0x2A};
+    for (int i = 0; i < row.sevenBitArcs; ++i) {
+      text += ".127";
+      expected.push_back(0x7F);
+    }
+    text += row.lastArc;
+    if (std::string(row.lastArc) == ".16383") {
+      expected.insert(expected.end(), {0xFF, 0x7F});
+    } else if (std::string(row.lastArc) == ".4294967295") {
+      expected.insert(expected.end(), {0x8F, 0xFF, 0xFF, 0xFF, 0x7F});
+    }
+    ASSERT_EQ(expected.size(), row.contents);
+    const IdentObj out = Encode(Info(0, 0, 6), Text(text));
+    ASSERT_EQ(out.Count(), 2u + row.contents);
+    EXPECT_EQ(out.GetData()[0], 0x06);
+    EXPECT_EQ(out.GetData()[1], row.contents);
+    EXPECT_EQ(std::vector<unsigned char>(out.GetData() + 2, out.GetData() + out.Count()),
+              expected);
+  }
+}
+
 IdentObj Decode(const IdentObj& element, int* code) {
   ASNT_ASN_STRUCT_INFO info;
   EXPECT_EQ(ASNTGetAsnInfo(info, element.GetData(), element.Count()), keyasn::kOk);

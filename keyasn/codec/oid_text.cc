@@ -17,6 +17,17 @@ bool IsScanSpace(unsigned char c) {
 // number is converted as an unsigned long (saturating on overflow, a '-' negating
 // it modulo 2^64) and stored into 32 bits. No digits: 0.
 unsigned int ScanUnsigned(const unsigned char* p, unsigned int count) {
+  // Up to nine plain digits cannot overflow: the common case, read directly.
+  if (count - 1 < 9) {
+    unsigned int value = 0;
+    unsigned int k = 0;
+    for (; k < count; ++k) {
+      const unsigned int digit = static_cast<unsigned int>(p[k]) - '0';
+      if (digit > 9) break;
+      value = value * 10 + digit;
+    }
+    if (k == count) return value;
+  }
   unsigned int i = 0;
   while (i < count && IsScanSpace(p[i])) ++i;
   bool negative = false;
@@ -129,6 +140,28 @@ unsigned int OidContentsSize(const unsigned char* text, unsigned int size) {
     else if (index > 1)
       total += Base128Size(value);
     if (total > kMaxOidContents) break;  // already refused; no need to walk further
+  }
+  return total;
+}
+
+unsigned int WriteOidContents(const unsigned char* text, unsigned int size, unsigned char* out,
+                              unsigned int capacity) {
+  ComponentWalk walk(text, size);
+  unsigned int value = 0;
+  unsigned int first = 0;
+  unsigned int total = 0;
+  for (unsigned int index = 0; walk.Next(&value); ++index) {
+    if (index == 0) {
+      first = 40 * value;
+    } else if (index == 1) {
+      if (total < capacity) out[total] = static_cast<unsigned char>(first + value);  // kept
+      ++total;
+    } else {
+      const unsigned int n = Base128Size(value);
+      if (total + n <= capacity) PutBase128(out + total, value);
+      total += n;
+      if (total > kMaxOidContents) break;  // refused by the caller; no need to walk on
+    }
   }
   return total;
 }

@@ -23,6 +23,12 @@ constexpr unsigned int kMaxOidContents = 4096;
 // each further one is written in base 128. A single component gives no octets.
 unsigned int OidContentsSize(const unsigned char* text, unsigned int size);
 
+// WriteOidContents walks the text once: it returns OidContentsSize and writes the
+// octets at `out` as long as they fit `capacity` (all of them when the result is
+// at most `capacity`). A result above kMaxOidContents may stop counting early.
+unsigned int WriteOidContents(const unsigned char* text, unsigned int size, unsigned char* out,
+                              unsigned int capacity);
+
 // PutOidContents writes the OidContentsSize octets for `text` at `out`.
 void PutOidContents(const unsigned char* text, unsigned int size, unsigned char* out);
 
