@@ -215,7 +215,8 @@ TEST(UnitRead, EveryPrefixFromExactHeapBuffer) {
       EXPECT_NE(error, 0);
       EXPECT_LE(used, n);
       // Whatever was read can be sized and written.
-      EXPECT_EQ(unit.WriteData(nullptr).Count(), unit.GetObjectSize());
+      const unsigned int size = unit.GetObjectSize();
+      EXPECT_EQ(unit.WriteData(nullptr).Count(), size);
     }
     CASNTUnit unit;
     int error = -1;
