@@ -25,6 +25,7 @@ class KEYASN_API CASNTBaseRecord {
   CASNTBaseRecord();
   // Copy construction is default construction followed by assignment.
   CASNTBaseRecord(const CASNTBaseRecord& other);
+  // ~CASNTBaseRecord releases both buffers.
   virtual ~CASNTBaseRecord();
 
   // WriteData(buffer, size, error) copies the encoding into `buffer` and returns
@@ -44,8 +45,10 @@ class KEYASN_API CASNTBaseRecord {
   // Place text "CASNTBaseRecord::WriteData".
   virtual unsigned int WriteData(CRUVFile& file, unsigned int position, int* error) const;
   // ReadData(file, position, error) reads one whole element at the file's current
-  // position (`position` only bounds the header read); 5 for a short read. Place
-  // text "CASNTBaseRecord::ReadData".
+  // position (`position` only bounds the header read); 5 for a short read (the
+  // buffers are then left as they were), 37 for an indefinite length. An element
+  // with empty contents returns the header size and leaves the buffers alone.
+  // Place text "CASNTBaseRecord::ReadData".
   virtual unsigned int ReadData(const CRUVFile& file, unsigned int position, int* error);
   // GetObjectSize returns the size of the encoding (encoding it if needed; 0 when
   // that fails).
@@ -56,13 +59,17 @@ class KEYASN_API CASNTBaseRecord {
   // IsUnit is false for a plain record.
   virtual bool IsUnit() const;
 
+  // GetTag returns the header's tag number.
   unsigned int GetTag() const { return header.Tag; }
+  // SetTag sets the tag number; neither buffer is touched (nor by the other setters).
   void SetTag(unsigned int tag) { header.Tag = tag; }
+  // GetIsConstraction is true for a constructed element.
   bool GetIsConstraction() const { return header.Constructed != 0; }
   // SetIsConstraction stores 0x20 for any non-zero argument, else 0.
   void SetIsConstraction(unsigned char constructed) {
     header.Constructed = constructed ? 0x20 : 0;
   }
+  // GetClass returns the class octet (0x00, 0x40, 0x80 or 0xC0).
   unsigned char GetClass() const { return header.Class; }
   // SetClass stores the low eight bits as the class octet (0x80: context-specific).
   void SetClass(short tagClass) { header.Class = static_cast<unsigned char>(tagClass); }
@@ -98,11 +105,18 @@ class KEYASN_API CASNTBaseRecord {
 
   // GetContecstSpecSize(data, size, constructed, error) measures the contents of
   // an indefinite-length element starting at its first contents octet, up to and
-  // including the closing 00 00.
+  // including the closing 00 00. Primitive: up to the first zero octet plus two
+  // (its partner is assumed), or `size`. Constructed: walks the nested elements
+  // and stops at the closing pair, or where the data ends; nothing past `size` is
+  // read. A header that cannot be parsed stores its code (or throws, place
+  // "CASNTBaseRecord::ReadASNInfo") with the offset reached.
   static unsigned int GetContecstSpecSize(const unsigned char* data, unsigned int size,
                                           unsigned char constructed, int* error);
   // GetContecstSpecSize(file, constructed, error) measures the same from the file's
-  // current position, which is restored before returning.
+  // current position, which is restored before returning. Primitive contents are
+  // read into a 16-bit accumulator doubled per octet (kept for compatibility: a
+  // leading 00 gives 1). A cut-short end-of-contents pair gives 206 with the
+  // file's name as the place.
   static unsigned int GetContecstSpecSize(const CRUVFile& file, unsigned char constructed,
                                           int* error);
 
