@@ -31,10 +31,12 @@
 #include "keyasn/keys/container_info.h"
 #include "keyasn/keys/cryptoki.h"
 #include "keyasn/keys/encrypted_key.h"
+#include "keyasn/keys/ephemeral_key.h"
 #include "keyasn/keys/export_key.h"
 #include "keyasn/keys/id_data.h"
 #include "keyasn/keys/key_info.h"
 #include "keyasn/keys/key_record.h"
+#include "keyasn/keys/public_key_info.h"
 #include "keyasn/keys/valid.h"
 
 #endif  // KEYASN_KEYASN_H_
