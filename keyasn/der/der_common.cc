@@ -3,6 +3,7 @@
 #include <string>
 
 #include "keyasn/codec/decoder.h"
+#include "keyasn/codec/encoder.h"
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
@@ -51,6 +52,17 @@ IdentObj DecodeDerElement(const IdentObj& element, bool skip, const char* place,
 }
 
 IdentObj EncodeDerElement(unsigned int tag, const void* data, unsigned int size) {
+  // The record would hand the encoder a copy of the value and then copy the
+  // encoding into a buffer of its size: encoding directly gives the same octets
+  // with one allocation. A null value of non-zero size (which the record turns
+  // into zeros) and an empty encoding (the writer's failure) take the record's way.
+  if (data != nullptr || size == 0) {
+    ASNT_ASN_STRUCT_INFO info{};
+    info.Tag = tag;
+    IdentObj encoded = ASNTLowEncodeData(
+        info, size != 0 ? static_cast<const unsigned char*>(data) : nullptr, size, nullptr);
+    if (encoded.Count() != 0) return encoded;
+  }
   CASNTBaseRecord record;
   record.SetTag(tag);
   record.SetEntry(data, size);

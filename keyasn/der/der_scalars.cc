@@ -17,6 +17,7 @@ constexpr unsigned int kInteger = 2;
 constexpr unsigned int kBitString = 3;
 constexpr unsigned int kOctetString = 4;
 constexpr unsigned int kObjectIdentifier = 6;
+constexpr unsigned char kContextClass = 0x80;
 // The library's own mark of a negative INTEGER (kept for compatibility with
 // existing encodings).
 constexpr unsigned int kNegativeInteger = 258;
@@ -77,6 +78,26 @@ IdentObj DerHelper::DecodeLargeInteger(const IdentObj& element, bool skipTagChec
 
 int DerHelper::DecodeInteger(const IdentObj& element, bool skipTagCheck) {
   static const char kPlace[] = "DerHelper::DecodeInteger";
+  const unsigned char* data = element.GetData();
+  const unsigned int size = element.Count();
+  const ASNT_ASN_STRUCT_INFO header = keyasn::detail::ParseDerHeader(data, size, kPlace);
+  keyasn::detail::CheckDerTag(header, skipTagCheck, kPlace, kInteger, kNegativeInteger);
+  keyasn::detail::RequireDerContents(header, data, size, kPlace);
+  if (header.Class != kContextClass && header.Tag == kInteger) {
+    // What the primitive decoder gives for a universal INTEGER (one leading 0x00
+    // dropped, then the octets reversed), read straight from the contents.
+    const unsigned char* p = header.Contents;
+    unsigned int n = header.Length;
+    if (n >= 2 && p[0] == 0x00) {
+      ++p;
+      --n;
+    }
+    if (n > 4)
+      keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace, keyasn::detail::kDerValueTooLarge);
+    unsigned int word = 0;
+    for (unsigned int i = 0; i < n; ++i) word = (word << 8) | p[i];
+    return static_cast<int>(word);
+  }
   ASNT_ASN_STRUCT_INFO info;
   const IdentObj value =
       DecodeDerElement(element, skipTagCheck, kPlace, kInteger, kNegativeInteger, &info);

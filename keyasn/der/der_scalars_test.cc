@@ -190,6 +190,11 @@ TEST(DerScalars, DecodeInteger) {
       // value is empty and its negation 0.
       {"negative mark, universal class", "1F 82 02 01 05", false, 0},
       {"class is not checked", "82 01 07", false, 7},
+      // Context class: the contents are taken as they stand, first octet lowest;
+      // the other classes decode as a universal INTEGER, most significant first.
+      {"context class, two octets first lowest", "82 02 12 34", false, 0x3412},
+      {"application class, most significant first", "42 02 12 34", false, 0x1234},
+      {"private class, leading zero dropped", "C2 03 00 12 34", false, 0x1234},
       {"octet string with the tag check skipped", "04 02 12 34", true, 0x3412},
       {"boolean with the tag check skipped", "01 01 05", true, 1},
       {"long form length", "02 81 01 2A", false, 42},
