@@ -30,21 +30,6 @@ bool AllZero(const unsigned char* data, unsigned int size) {
   return true;
 }
 
-// The number of INTEGER contents octets left after dropping redundant high-order
-// octets (the value is least significant octet first; a null value reads as zeros).
-unsigned int IntegerSize(const unsigned char* data, unsigned int n) {
-  auto at = [data](unsigned int i) -> unsigned char { return data ? data[i] : 0; };
-  while (n >= 2) {
-    const unsigned char top = at(n - 1);
-    const unsigned char next = at(n - 2);
-    if ((top == 0x00 && !(next & 0x80)) || (top == 0xFF && (next & 0x80)))
-      --n;
-    else
-      break;
-  }
-  return n;
-}
-
 }  // namespace
 
 IdentObj ASNTLowEncodeData(const ASNT_ASN_STRUCT_INFO& info, const unsigned char* data,
@@ -69,7 +54,7 @@ IdentObj ASNTLowEncodeData(const ASNT_ASN_STRUCT_INFO& info, const unsigned char
         break;
       case 2:  // INTEGER
         kind = Contents::kInteger;
-        length = written = IntegerSize(data, size);
+        length = written = keyasn::detail::IntegerContentsSize(data, size);
         break;
       case 3: case 4: case 12: case 19: case 20: case 22: case 26:  // strings
       case 16: case 17:  // SEQUENCE, SET: the items already encoded

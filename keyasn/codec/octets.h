@@ -72,6 +72,22 @@ inline unsigned int PutLength(unsigned char* out, unsigned int length) {
   return n;
 }
 
+// IntegerContentsSize is the number of INTEGER contents octets the encoder writes
+// for the `n` octets at `le` (least significant first; a null `le` reads as
+// zeros): redundant high-order 0x00 and 0xFF octets are dropped, the value is
+// never widened.
+inline unsigned int IntegerContentsSize(const unsigned char* le, unsigned int n) {
+  while (n >= 2) {
+    const unsigned char top = le ? le[n - 1] : 0;
+    const unsigned char next = le ? le[n - 2] : 0;
+    if ((top == 0x00 && !(next & 0x80)) || (top == 0xFF && (next & 0x80)))
+      --n;
+    else
+      break;
+  }
+  return n;
+}
+
 }  // namespace detail
 }  // namespace keyasn
 

@@ -1,11 +1,14 @@
 #include "keyasn/keys/key_info.h"
+#include "keyasn/keys/key_info_records.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <list>
 
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/header.h"
+#include "keyasn/codec/octets.h"
 #include "keyasn/codec/sequence.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
@@ -23,6 +26,111 @@ constexpr unsigned char kContextClass = 0x80;
 constexpr unsigned int kLastKnownTag = 9;
 // With this flag the legacy INTEGER form of [2] widens to 20 octets.
 constexpr unsigned int kLongSecondOctetsFlag = 0x10;
+
+// Sizes above this take the record model's way (WriteKeyInfoByRecords): far beyond
+// any key, and below the point where length octets or sums could overflow.
+constexpr uint64_t kDirectLimit = 0x7FFFFF00u;
+
+// Reaches the identifier data's protected members without copying them.
+struct IdDataAccess : CASNTIdData {
+  static const IdentObj& ObjId(const CASNTIdData& d) { return d.*(&IdDataAccess::objId); }
+  static const IdentObj& AddInfo(const CASNTIdData& d) { return d.*(&IdDataAccess::addInfo); }
+};
+
+uint64_t TlvSize(uint64_t contents) {
+  return 1 + keyasn::detail::LengthSize(static_cast<unsigned int>(contents)) + contents;
+}
+
+// KeyInfoWriter measures (out null) or writes the items of a key info, in the
+// order and form the record model gives them: INTEGER Flags and Number, then each
+// present optional member as an explicit context tag around its inner element.
+class KeyInfoWriter {
+ public:
+  // Emit returns the contents size of the SEQUENCE; with `out` it also writes them.
+  static uint64_t Emit(const ASNKeyInfo& ki, unsigned char* out) {
+    KeyInfoWriter w(out);
+    w.Integer(ki.Flags);
+    w.Integer(ki.Number);
+    const IdentObj& objId = IdDataAccess::ObjId(ki.AlgorithmId);
+    if (objId.Count() != 0) {
+      const IdentObj& addInfo = IdDataAccess::AddInfo(ki.AlgorithmId);
+      const uint64_t oid = TlvSize(objId.Count());
+      const uint64_t params = addInfo.Count() != 0 ? addInfo.Count() : 2;
+      const uint64_t sequence = TlvSize(oid + params);
+      w.Header(0xA0, sequence);
+      w.Header(0x30, oid + params);
+      w.Header(0x06, objId.Count());
+      w.Octets(objId.GetData(), objId.Count());
+      if (addInfo.Count() != 0) {
+        w.Octets(addInfo.GetData(), addInfo.Count());
+      } else {
+        w.Header(0x05, 0);  // NULL stands in for absent parameters
+      }
+    }
+    w.OctetString(1, ki.Octets1);
+    w.OctetString(2, ki.Octets2);
+    w.OctetString(3, ki.Octets3);
+    w.OctetString(4, ki.Octets4);
+    w.OctetString(5, ki.Octets5);
+    const IdentObj& validity = ki.Validity.GetEncoded();
+    if (validity.Count() != 0) {
+      w.Header(0xA6, validity.Count());
+      w.Octets(validity.GetData(), validity.Count());
+    }
+    if (ki.KeyBits.Count() != 0) {
+      const uint64_t bits = 1 + static_cast<uint64_t>(ki.KeyBits.Count());
+      w.Header(0xA7, TlvSize(bits));
+      w.Header(0x03, bits);
+      const unsigned char unused = static_cast<unsigned char>(ki.KeyBits.GetUnusedBits());
+      w.Octets(&unused, 1);
+      w.Octets(ki.KeyBits.GetData(), ki.KeyBits.Count());
+    }
+    w.OctetString(8, ki.Octets8);
+    w.OctetString(9, ki.Octets9);
+    return w.size_;
+  }
+
+ private:
+  explicit KeyInfoWriter(unsigned char* out) : out_(out) {}
+
+  void Octets(const unsigned char* data, uint64_t n) {
+    if (out_ != nullptr && n != 0) std::memcpy(out_ + size_, data, n);
+    size_ += n;
+  }
+  // Header writes identifier octet `id` and the length octets of `length`. While
+  // measuring, a length beyond the direct limit only has to be counted as such.
+  void Header(unsigned char id, uint64_t length) {
+    if (length > kDirectLimit) length = kDirectLimit + 1;
+    unsigned char octets[1 + keyasn::detail::kMaxLengthOctets];
+    octets[0] = id;
+    const unsigned int n =
+        1 + keyasn::detail::PutLength(octets + 1, static_cast<unsigned int>(length));
+    Octets(octets, n);
+  }
+  // The four octets of `value`, least significant first, as the INTEGER encoder
+  // minimises them.
+  void Integer(unsigned int value) {
+    const unsigned char le[4] = {static_cast<unsigned char>(value),
+                                 static_cast<unsigned char>(value >> 8),
+                                 static_cast<unsigned char>(value >> 16),
+                                 static_cast<unsigned char>(value >> 24)};
+    const unsigned int n = keyasn::detail::IntegerContentsSize(le, 4);
+    Header(0x02, n);
+    unsigned char be[4];
+    for (unsigned int i = 0; i < n; ++i) be[i] = le[n - 1 - i];
+    Octets(be, n);
+  }
+  // [tag] { OCTET STRING value } when the value is not empty.
+  void OctetString(unsigned int tag, const IdentObj& value) {
+    if (value.Count() == 0) return;
+    Header(static_cast<unsigned char>(0xA0 | tag), TlvSize(value.Count()));
+    Header(0x04, value.Count());
+    Octets(value.GetData(), value.Count());
+  }
+
+  unsigned char* out_;
+  uint64_t size_ = 0;
+};
 
 // ReadInteger reads an INTEGER item into `target`: zero, then the decoded value
 // (least significant octet first) over its first octets. At most four octets are
@@ -61,6 +169,67 @@ IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
 
 }  // namespace
 
+namespace keyasn {
+namespace detail {
+
+IdentObj WriteKeyInfoByRecords(const ASNKeyInfo& ki, int* err) {
+  std::list<IdentObj> items;
+  CASNTBaseRecord outer;
+  CASNTBaseRecord inner;
+
+  outer.SetTag(kIntegerTag);
+  outer.SetEntry(&ki.Flags, sizeof ki.Flags);
+  items.push_back(outer.WriteData(nullptr));
+  outer.SetEntry(&ki.Number, sizeof ki.Number);
+  items.push_back(outer.WriteData(nullptr));
+
+  outer.SetClass(kContextClass);
+  outer.SetIsConstraction(1);
+
+  // Wraps `value` as an OCTET STRING under the explicit tag `tag`.
+  auto addOctets = [&](unsigned int tag, const IdentObj& value) {
+    if (value.Count() == 0) return;
+    inner.SetTag(kOctetStringTag);
+    inner.SetEntry(value);
+    outer.SetTag(tag);
+    outer.SetEntry(inner.WriteData(nullptr));
+    items.push_back(outer.WriteData(nullptr));
+  };
+
+  if (ki.AlgorithmId.GetObjID().Count() != 0) {
+    outer.SetTag(0);
+    outer.SetEntry(ki.AlgorithmId.WriteData(nullptr));
+    items.push_back(outer.WriteData(nullptr));
+  }
+  addOctets(1, ki.Octets1);
+  addOctets(2, ki.Octets2);
+  addOctets(3, ki.Octets3);
+  addOctets(4, ki.Octets4);
+  addOctets(5, ki.Octets5);
+  if (ki.Validity.GetEncoded().Count() != 0) {
+    outer.SetTag(6);
+    outer.SetEntry(ki.Validity.GetEncoded());
+    items.push_back(outer.WriteData(nullptr));
+  }
+  if (ki.KeyBits.Count() != 0) {
+    IdentObj bits(nullptr, ki.KeyBits.Count() + 1);
+    bits.GetData()[0] = static_cast<unsigned char>(ki.KeyBits.GetUnusedBits());
+    std::copy_n(ki.KeyBits.GetData(), ki.KeyBits.Count(), bits.GetData() + 1);
+    inner.SetTag(kBitStringTag);
+    inner.SetEntry(bits);
+    outer.SetTag(7);
+    outer.SetEntry(inner.WriteData(nullptr));
+    items.push_back(outer.WriteData(nullptr));
+  }
+  addOctets(8, ki.Octets8);
+  addOctets(9, ki.Octets9);
+
+  return ASNTPutSequence(items, kSequenceTag, err);
+}
+
+}  // namespace detail
+}  // namespace keyasn
+
 ASNKeyInfo::ASNKeyInfo() : Flags(0), Number(0) {}
 
 ASNKeyInfo::ASNKeyInfo(const ASNKeyInfo& other) = default;
@@ -95,58 +264,20 @@ bool ASNKeyInfo::operator==(const ASNKeyInfo& other) const {
 bool ASNKeyInfo::operator!=(const ASNKeyInfo& other) const { return !(*this == other); }
 
 IdentObj ASNKeyInfo::WriteData(int* err) const {
-  std::list<IdentObj> items;
-  CASNTBaseRecord outer;
-  CASNTBaseRecord inner;
-
-  outer.SetTag(kIntegerTag);
-  outer.SetEntry(&Flags, sizeof Flags);
-  items.push_back(outer.WriteData(nullptr));
-  outer.SetEntry(&Number, sizeof Number);
-  items.push_back(outer.WriteData(nullptr));
-
-  outer.SetClass(kContextClass);
-  outer.SetIsConstraction(1);
-
-  // Wraps `value` as an OCTET STRING under the explicit tag `tag`.
-  auto addOctets = [&](unsigned int tag, const IdentObj& value) {
-    if (value.Count() == 0) return;
-    inner.SetTag(kOctetStringTag);
-    inner.SetEntry(value);
-    outer.SetTag(tag);
-    outer.SetEntry(inner.WriteData(nullptr));
-    items.push_back(outer.WriteData(nullptr));
-  };
-
-  if (AlgorithmId.GetObjID().Count() != 0) {
-    outer.SetTag(0);
-    outer.SetEntry(AlgorithmId.WriteData(nullptr));
-    items.push_back(outer.WriteData(nullptr));
-  }
-  addOctets(1, Octets1);
-  addOctets(2, Octets2);
-  addOctets(3, Octets3);
-  addOctets(4, Octets4);
-  addOctets(5, Octets5);
-  if (Validity.GetEncoded().Count() != 0) {
-    outer.SetTag(6);
-    outer.SetEntry(Validity.GetEncoded());
-    items.push_back(outer.WriteData(nullptr));
-  }
-  if (KeyBits.Count() != 0) {
-    IdentObj bits(nullptr, KeyBits.Count() + 1);
-    bits.GetData()[0] = static_cast<unsigned char>(KeyBits.GetUnusedBits());
-    std::copy_n(KeyBits.GetData(), KeyBits.Count(), bits.GetData() + 1);
-    inner.SetTag(kBitStringTag);
-    inner.SetEntry(bits);
-    outer.SetTag(7);
-    outer.SetEntry(inner.WriteData(nullptr));
-    items.push_back(outer.WriteData(nullptr));
-  }
-  addOctets(8, Octets8);
-  addOctets(9, Octets9);
-
-  return ASNTPutSequence(items, kSequenceTag, err);
+  // The items are written straight into one buffer of the final size; the
+  // octets are those the record model and ASNTPutSequence give.
+  const uint64_t contents = KeyInfoWriter::Emit(*this, nullptr);
+  if (contents > kDirectLimit) return keyasn::detail::WriteKeyInfoByRecords(*this, err);
+  const unsigned int size = static_cast<unsigned int>(contents);
+  unsigned char header[1 + keyasn::detail::kMaxLengthOctets];
+  header[0] = 0x30;
+  const unsigned int h = 1 + keyasn::detail::PutLength(header + 1, size);
+  IdentObj result;
+  result.Alloc(h + size);
+  std::memcpy(result.GetData(), header, h);
+  KeyInfoWriter::Emit(*this, result.GetData() + h);
+  if (err != nullptr) *err = keyasn::kOk;  // as the join reports success
+  return result;
 }
 
 unsigned int ASNKeyInfo::ReadData(const void* data, unsigned int size, int* err) {
