@@ -30,6 +30,7 @@
 #include "keyasn/keys/alg_add_info.h"
 #include "keyasn/keys/container_info.h"
 #include "keyasn/keys/cryptoki.h"
+#include "keyasn/keys/encr_params.h"
 #include "keyasn/keys/encrypted_key.h"
 #include "keyasn/keys/ephemeral_key.h"
 #include "keyasn/keys/export_key.h"
