@@ -12,9 +12,11 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
 constexpr char kElemRead[] = "ASNCryptokiElemInfo::ReadData";
@@ -23,14 +25,6 @@ constexpr char kContRead[] = "ASNCryptokiContInfo::ReadData";
 constexpr char kContSplit[] = "ASNCryptokiContInfo::ReadData ASNTGetSequence";
 constexpr char kSplit[] = "ASNTGetSequence";
 constexpr char kRecordRead[] = "CASNTBaseRecord::ReadASNInfo";
-
-unsigned int Size(const std::vector<unsigned char>& v) {
-  return static_cast<unsigned int>(v.size());
-}
-
-std::vector<unsigned char> Bytes(const IdentObj& obj) {
-  return std::vector<unsigned char>(obj.GetData(), obj.GetData() + obj.Count());
-}
 
 // ---- ASNCryptokiElemInfo ----
 

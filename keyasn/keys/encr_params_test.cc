@@ -19,13 +19,12 @@ namespace {
 using keyasn::testing::AcceptedPrefixes;
 using keyasn::testing::Cat;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::Tlv;
 using keyasn::testing::ToHex;
 using Octets = std::vector<unsigned char>;
 
 constexpr char kErrorLine[] = "CASNEncrParams- Error write data \n";
-
-unsigned int Size(const Octets& v) { return static_cast<unsigned int>(v.size()); }
 
 Octets Box(unsigned char first) {
   Octets box(64);

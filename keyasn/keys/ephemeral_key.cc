@@ -110,11 +110,9 @@ IdentObj CASNEphemeralKeyInfo::WriteData() const {
     CASNTBaseRecord description;
     description.SetEncodedEntry(idData.WriteData(nullptr));
     part.Push_Back(description);
-    IdentObj bits(nullptr, keyBits.Count() + 1);  // 0x00: no unused bits
-    std::memcpy(bits.GetData() + 1, keyBits.GetData(), keyBits.Count());
     CASNTBaseRecord bitString;
     bitString.SetTag(3);
-    bitString.SetEntry(bits);
+    bitString.SetEntry(keyasn::detail::BitStringContents(keyBits));
     part.Push_Back(bitString);
     outer.Push_Back(part);
   }

@@ -11,10 +11,12 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::Cat;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::Tlv;
 using keyasn::testing::ToHex;
 using Octets = std::vector<unsigned char>;
@@ -28,10 +30,6 @@ constexpr char kGostOid[] = "1.2.643.2.2.19";  // 06 06 2A 85 03 02 02 13
 const Octets kGostOidDer = HexBytes("06 06 2A 85 03 02 02 13");
 // Identifier data as written: the identifier with NULL parameters.
 const Octets kIdDer = HexBytes("30 0A 06 06 2A 85 03 02 02 13 05 00");
-
-unsigned int Size(const Octets& v) { return static_cast<unsigned int>(v.size()); }
-
-Octets Bytes(const IdentObj& obj) { return Octets(obj.GetData(), obj.GetData() + obj.Count()); }
 
 CASNTIdData IdFrom(const Octets& der) {
   CASNTIdData id;

@@ -12,9 +12,11 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
 constexpr char kExportRead[] = "CASNExportKeyInfo::ReadData";
@@ -22,14 +24,6 @@ constexpr char kExchangeRead[] = "CASNExchangeKeyData::ReadData ASNTGetSequence"
 constexpr char kProxyRead[] = "CASNProxyKeyExchangeData::ReadData ASNTGetSequence";
 constexpr char kSplit[] = "ASNTGetSequence";
 constexpr char kRecordRead[] = "CASNTBaseRecord::ReadASNInfo";
-
-unsigned int Size(const std::vector<unsigned char>& v) {
-  return static_cast<unsigned int>(v.size());
-}
-
-std::vector<unsigned char> Bytes(const IdentObj& obj) {
-  return std::vector<unsigned char>(obj.GetData(), obj.GetData() + obj.Count());
-}
 
 // ---- CASNExportKeyInfo ----
 
@@ -179,6 +173,29 @@ TEST(CASNExportKeyInfo, EveryProperPrefixIsRefused) {
 
 // ---- CASNExchangeKeyData ----
 
+// A read that fails: the code and place thrown, and keyElement afterwards (it
+// starts as 05 00).
+struct FailedRead {
+  const char* name;
+  const char* hex;
+  int code;
+  const char* where;
+  const char* keyAfter;
+};
+
+template <typename Record>
+void ExpectFailedReads(const std::vector<FailedRead>& rows) {
+  for (const FailedRead& row : rows) {
+    SCOPED_TRACE(row.name);
+    Record data;
+    data.keyElement = Hex("05 00");
+    const std::vector<unsigned char> bytes = HexBytes(row.hex);
+    ExpectStatus([&] { data.ReadData(bytes.data(), Size(bytes)); }, row.code, row.where);
+    EXPECT_EQ(ToHex(data.keyElement), row.keyAfter);
+  }
+}
+
+
 TEST(CASNExchangeKeyData, WithoutItemsWritesOnlyTheExportKeyInfo) {
   CASNExchangeKeyData data;
   data.keyElement = Hex("02 01 05");
@@ -221,28 +238,13 @@ TEST(CASNExchangeKeyData, FurtherElementsAreIgnoredAndTrailingOctetsNotConsumed)
 }
 
 TEST(CASNExchangeKeyData, ReadFailures) {
-  struct Row {
-    const char* name;
-    const char* hex;
-    int code;
-    const char* where;
-    const char* keyAfter;
-  };
-  const Row rows[] = {
+  ExpectFailedReads<CASNExchangeKeyData>({
       {"no elements", "30 00", 206, kExchangeRead, "05 00"},
       {"not constructed", "04 01 00", 205, kSplit, "05 00"},
       {"one octet", "30", 206, kRecordRead, "05 00"},
       {"export key info not a SEQUENCE", "30 05 31 03 02 01 05", 206, kExportRead, "05 00"},
       {"item list not constructed", "30 08 30 03 02 01 05 02 01 07", 205, kSplit, "02 01 05"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    CASNExchangeKeyData data;
-    data.keyElement = Hex("05 00");
-    const std::vector<unsigned char> bytes = HexBytes(row.hex);
-    ExpectStatus([&] { data.ReadData(bytes.data(), Size(bytes)); }, row.code, row.where);
-    EXPECT_EQ(ToHex(data.keyElement), row.keyAfter);
-  }
+  });
 }
 
 TEST(CASNExchangeKeyData, EveryProperPrefixIsRefused) {
@@ -294,29 +296,14 @@ TEST(CASNProxyKeyExchangeData, TheTagOfTheSecondElementIsNotExamined) {
 }
 
 TEST(CASNProxyKeyExchangeData, ReadFailures) {
-  struct Row {
-    const char* name;
-    const char* hex;
-    int code;
-    const char* where;
-    const char* keyAfter;
-  };
-  const Row rows[] = {
+  ExpectFailedReads<CASNProxyKeyExchangeData>({
       {"three elements", "30 0B 30 03 02 01 05 04 01 41 04 01 42", 206, kProxyRead, "05 00"},
       {"one element", "30 05 30 03 02 01 05", 206, kProxyRead, "05 00"},
       {"no elements", "30 00", 206, kProxyRead, "05 00"},
       {"not constructed", "04 01 00", 205, kSplit, "05 00"},
       {"export key info not a SEQUENCE", "30 08 04 03 02 01 05 04 01 41", 206, kExportRead,
        "05 00"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    CASNProxyKeyExchangeData data;
-    data.keyElement = Hex("05 00");
-    const std::vector<unsigned char> bytes = HexBytes(row.hex);
-    ExpectStatus([&] { data.ReadData(bytes.data(), Size(bytes)); }, row.code, row.where);
-    EXPECT_EQ(ToHex(data.keyElement), row.keyAfter);
-  }
+  });
 }
 
 TEST(CASNProxyKeyExchangeData, EveryProperPrefixIsRefused) {

@@ -1,5 +1,7 @@
 #include "keyasn/keys/items.h"
 
+#include <cstring>
+
 #include "keyasn/codec/header.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
@@ -21,6 +23,12 @@ IdentObj EncodeWordItem(unsigned int value) {
       static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
       static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
   return EncodeUniversalItem(2, octets, sizeof octets);
+}
+
+IdentObj BitStringContents(const IdentObj& octets) {
+  IdentObj contents(nullptr, octets.Count() + 1);
+  if (octets.Count() != 0) std::memcpy(contents.GetData() + 1, octets.GetData(), octets.Count());
+  return contents;
 }
 
 bool ElementFits(const unsigned char* data, unsigned int size) {

@@ -19,6 +19,10 @@ IdentObj EncodeUniversalItem(unsigned int tag, const void* data, unsigned int si
 // significant first, shortened by the encoder.
 IdentObj EncodeWordItem(unsigned int value);
 
+// BitStringContents returns the contents of a BIT STRING without unused bits that
+// holds `octets`: 0x00, then the octets.
+IdentObj BitStringContents(const IdentObj& octets);
+
 // ElementFits is true when the header at `data` parses and the whole element
 // (header and definite-length contents) lies within the `size` octets.
 bool ElementFits(const unsigned char* data, unsigned int size);

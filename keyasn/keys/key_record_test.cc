@@ -14,13 +14,10 @@ using keyasn::testing::AcceptedPrefixes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
 constexpr char kRead[] = "CASNKeyRecord::ReadData";
-
-unsigned int Size(const std::vector<unsigned char>& v) {
-  return static_cast<unsigned int>(v.size());
-}
 
 TEST(CASNKeyRecord, WritesTheElementThenTheKeyBlob) {
   CASNKeyRecord record;

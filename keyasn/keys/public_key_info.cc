@@ -1,6 +1,5 @@
 #include "keyasn/keys/public_key_info.h"
 
-#include <algorithm>
 #include <list>
 
 #include "keyasn/codec/error_codes.h"
@@ -40,9 +39,7 @@ int CASNPublicKeyInfo::ReadData(const unsigned char* data, unsigned int size) {
 IdentObj CASNPublicKeyInfo::WriteData() const {
   std::list<IdentObj> items;
   items.push_back(idData.WriteData(nullptr));
-  IdentObj bits(nullptr, publicKey.Count() + 1);  // 0x00: no unused bits
-  if (publicKey.Count() != 0)
-    std::copy(publicKey.GetData(), publicKey.GetData() + publicKey.Count(), bits.GetData() + 1);
+  const IdentObj bits = keyasn::detail::BitStringContents(publicKey);
   items.push_back(keyasn::detail::EncodeUniversalItem(3, bits.GetData(), bits.Count()));
   return ASNTPutSequence(items, 16, nullptr);
 }

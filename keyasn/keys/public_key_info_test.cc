@@ -23,9 +23,11 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
 constexpr char kRead[] = "CASNPublicKeyInfo::ReadData";
@@ -36,14 +38,6 @@ constexpr char kRecordRead[] = "CASNTBaseRecord::ReadASNInfo";
 
 // rsaEncryption with NULL parameters, as certificates carry it.
 constexpr char kRsaAlg[] = "30 0D 06 09 2A 86 48 86 F7 0D 01 01 01 05 00";
-
-unsigned int Size(const std::vector<unsigned char>& v) {
-  return static_cast<unsigned int>(v.size());
-}
-
-std::vector<unsigned char> Bytes(const IdentObj& obj) {
-  return std::vector<unsigned char>(obj.GetData(), obj.GetData() + obj.Count());
-}
 
 CASNTIdData IdFrom(const std::string& hex) {
   const std::vector<unsigned char> bytes = HexBytes(hex);

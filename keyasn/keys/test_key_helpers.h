@@ -10,10 +10,21 @@
 #include <string>
 #include <vector>
 
+#include "keyasn/support/ident_obj.h"
 #include "keyasn/support/status.h"
 
 namespace keyasn {
 namespace testing {
+
+// Size is the octet count of `v` as the library's size type.
+inline unsigned int Size(const std::vector<unsigned char>& v) {
+  return static_cast<unsigned int>(v.size());
+}
+
+// Bytes copies the octets of `obj` into an exactly sized heap buffer.
+inline std::vector<unsigned char> Bytes(const IdentObj& obj) {
+  return std::vector<unsigned char>(obj.GetData(), obj.GetData() + obj.Count());
+}
 
 // ExpectStatus runs `action` and expects it to throw XRUVStatus with exactly this
 // code and place text (compared octet for octet).
