@@ -6,6 +6,7 @@
 #include <cstring>
 #include <list>
 
+#include "keyasn/codec/decoder.h"
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/header.h"
 #include "keyasn/codec/octets.h"
@@ -135,7 +136,40 @@ class KeyInfoWriter {
 // ReadInteger reads an INTEGER item into `target`: zero, then the decoded value
 // (least significant octet first) over its first octets. At most four octets are
 // copied: a longer value never occurs in the format.
+// PlainElement parses the element at `data` when its identifier is one octet and
+// its length definite and within `size`: `*info` then describes it exactly as a
+// record reading and re-parsing these octets would, so its value can be decoded
+// without the record's copies. Anything else is left to the record model.
+bool PlainElement(const unsigned char* data, unsigned int size, ASNT_ASN_STRUCT_INFO* info) {
+  if (data == nullptr || size < 2 || (data[0] & 0x1F) == 0x1F || data[1] == 0x80) return false;
+  if (ASNTGetAsnInfo(*info, data, size) != keyasn::kOk) return false;
+  const unsigned int h = static_cast<unsigned int>(info->Contents - data);
+  return h <= size && info->Length <= size - h;
+}
+
+// DecodePlain is GetRecord(nullptr) of a record that read the element `info`
+// describes.
+IdentObj DecodePlain(const ASNT_ASN_STRUCT_INFO& info) {
+  return ASNTLowDecodeData(info, info.Contents, info.Length, nullptr);
+}
+
 void ReadInteger(const IdentObj& item, unsigned int& target) {
+  ASNT_ASN_STRUCT_INFO info;
+  if (PlainElement(item.GetData(), item.Count(), &info) && info.Tag == kIntegerTag &&
+      info.Class != kContextClass) {
+    // The INTEGER's decoded value (one leading 0x00 dropped, least significant
+    // octet first), its first four octets over a zero target.
+    const unsigned char* p = info.Contents;
+    unsigned int n = info.Length;
+    if (n >= 2 && p[0] == 0x00) {
+      ++p;
+      --n;
+    }
+    unsigned char le[sizeof target] = {};
+    for (unsigned int i = 0; i < n && i < sizeof target; ++i) le[i] = p[n - 1 - i];
+    std::memcpy(&target, le, sizeof target);
+    return;
+  }
   CASNTBaseRecord record;
   record.ReadData(item.GetData(), item.Count(), nullptr);
   if (record.GetTag() != kIntegerTag) throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
@@ -151,6 +185,14 @@ void ReadInteger(const IdentObj& item, unsigned int& target) {
 // first) in a zero-filled buffer of `width` octets, unless it is longer than 15.
 IdentObj ReadLegacyOctets(const unsigned char* contents, unsigned int length,
                           unsigned int width) {
+  ASNT_ASN_STRUCT_INFO info;
+  if (PlainElement(contents, length, &info)) {
+    IdentObj value = DecodePlain(info);
+    if (info.Tag != kIntegerTag || value.Count() > 15) return value;
+    IdentObj widened(nullptr, width);
+    std::copy_n(value.GetData(), value.Count(), widened.GetData());
+    return widened;
+  }
   CASNTBaseRecord inner;
   inner.ReadData(contents, length, nullptr);
   const IdentObj& value = inner.GetRecord(nullptr);
@@ -162,6 +204,8 @@ IdentObj ReadLegacyOctets(const unsigned char* contents, unsigned int length,
 
 // ReadInnerValue returns the decoded value of the one element in `contents`.
 IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
+  ASNT_ASN_STRUCT_INFO info;
+  if (PlainElement(contents, length, &info)) return DecodePlain(info);
   CASNTBaseRecord inner;
   inner.ReadData(contents, length, nullptr);
   return inner.GetRecord(nullptr);
