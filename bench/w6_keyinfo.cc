@@ -11,6 +11,9 @@
 #include "bench/bench_common.h"
 #include "bench/datagen.h"
 #include "bench/openssl_keyinfo.h"
+#ifdef BENCH_HAVE_ASN1C
+#include "bench/asn1c_keyinfo.h"
+#endif
 #include "keyasn/keys/key_info.h"
 
 namespace bench {
@@ -292,6 +295,28 @@ void RegisterKeyInfo() {
   v.from = in.ki_from.c_str();
   v.to = in.ki_to.c_str();
   ki_openssl_fill(&v);
+#ifdef BENCH_HAVE_ASN1C
+  ki_asn1c_values a{};
+  a.flags = in.ki_flags;
+  a.number = in.ki_number;
+  a.oid = in.ki_oid_contents.data();
+  a.oid_size = static_cast<int>(in.ki_oid_contents.size());
+  a.o1 = v.o1;
+  a.o1_size = v.o1_size;
+  a.o2 = v.o2;
+  a.o2_size = v.o2_size;
+  a.o3 = v.o3;
+  a.o3_size = v.o3_size;
+  a.bits = v.bits;
+  a.bits_size = v.bits_size;
+  a.from = v.from;
+  a.to = v.to;
+  ki_asn1c_fill(&a);
+  AddOp("W6_keyinfo_enc", "asn1c", [] { return ki_asn1c_encode(); }, &in.w6_enc, 1, 0, false);
+  AddOp("W6_keyinfo_dec", "asn1c",
+        [] { return ki_asn1c_decode(In().w6_der.data(), In().w6_der.size()); }, &in.w6_dec, 1, 0,
+        false);
+#endif
   AddOp("W6_keyinfo_enc", "openssl", OpensslEnc, &in.w6_enc, 1, 0, false);
   AddOp("W6_keyinfo_enc", "mbedtls", MbedtlsEnc, &in.w6_enc, 1, 0, false);
   AddOp("W6_keyinfo_enc", "botan", BotanEnc, &in.w6_enc, 1, 0, false);

@@ -47,6 +47,21 @@ int ASNTGetSequence(std::list<IdentObj>& items, const unsigned char* data, unsig
   for (;;) {
     const unsigned char* at = data ? data + offset : nullptr;
     const unsigned int left = static_cast<unsigned int>(size - offset);
+    // The common item, a one-octet identifier with a short length, is read in
+    // place; every other header goes through the parser below.
+    if (at != nullptr && left >= 2 && (at[0] & 0x1F) != 0x1F && at[1] < 0x80) {
+      const unsigned int itemSize = 2u + at[1];
+      // An item with empty contents ends the split (see below).
+      if (at[1] == 0) return keyasn::kOk;
+      if (offset + itemSize > size) {
+        items.clear();
+        return keyasn::kErrMalformed;
+      }
+      items.emplace_back(at, itemSize);
+      offset += itemSize;
+      if (offset == size) return keyasn::kOk;
+      continue;
+    }
     ASNT_ASN_STRUCT_INFO info;
     const int code = ASNTGetAsnInfo(info, at, left);
     if (code != keyasn::kOk) {
