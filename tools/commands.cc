@@ -1,0 +1,184 @@
+#include "commands.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "bundled_sample.h"
+#include "dump.h"
+#include "types.h"
+
+namespace keyasn {
+namespace tool {
+
+namespace {
+
+std::string UpperLabel(const std::string& type) {
+  std::string label = "KEYASN ";
+  for (char c : type) label += c == '-' ? ' ' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return label;
+}
+
+void Report(std::ostream& err, const std::string& name, const std::string& message) {
+  err << "keyasn: " << name << ": " << message << '\n';
+}
+
+std::string WalkErrorText(const WalkError& error) {
+  return "error at offset " + std::to_string(error.offset) + ": " + std::to_string(error.code) +
+         " " + CodeMeaning(error.code) + ": " + error.meaning;
+}
+
+Source LoadSource(const std::string& file) {
+  if (file.empty()) return BundledSample();
+  return ReadSource(file);
+}
+
+}  // namespace
+
+Source BundledSample() {
+  Source source;
+  source.name = "<bundled sample>";
+  source.bytes.assign(kBundledSample, kBundledSample + kBundledSampleSize);
+  return source;
+}
+
+int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
+  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  try {
+    Source source = LoadSource(request.file);
+    name = source.name;
+    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
+    WalkOptions options;
+    options.open_encapsulated = request.encapsulated;
+    const Tree tree = Walk(der.data(), der.size(), options);
+    if (request.json) {
+      out << DumpJson(tree, der.data()).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    } else {
+      DumpText(tree, der.data(), request.full, out);
+    }
+    out.flush();
+    if (tree.failed) {
+      Report(err, name, WalkErrorText(tree.error));
+      return kExitMalformed;
+    }
+    if (!out) {
+      Report(err, name, "cannot write the output");
+      return kExitIo;
+    }
+    return kExitOk;
+  } catch (const ToolError& e) {
+    Report(err, name, e.what());
+    return e.status();
+  }
+}
+
+int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
+  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  const std::string type_name = request.type.empty() ? "container" : request.type;
+  const TypeInfo* type = FindType(type_name);
+  if (type == nullptr) {
+    err << "keyasn show: unknown TYPE \"" << type_name << "\" (see keyasn show --help)\n";
+    return kExitUsage;
+  }
+  try {
+    Source source = LoadSource(request.file);
+    name = source.name;
+    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
+    if (type->single_element) {
+      // The structure readers stop at what they need; the walk first checks the
+      // whole input, so that damage is reported with its offset.
+      WalkOptions options;
+      options.open_encapsulated = false;
+      const Tree tree = Walk(der.data(), der.size(), options);
+      if (tree.failed) {
+        Report(err, name, WalkErrorText(tree.error));
+        return kExitMalformed;
+      }
+      if (tree.roots.size() > 1) {
+        const Element& second = tree.elements[tree.roots[1]];
+        Report(err, name, "error at offset " + std::to_string(second.offset) +
+                              ": data after the " + type->structure + " element");
+        return kExitMalformed;
+      }
+    }
+    View view;
+    type->show(der, &view);
+    if (request.json) {
+      out << view.ToJson().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    } else {
+      out << "# " << type->structure << " (" << type->name << ") from " << name << '\n'
+          << view.ToText(request.full);
+    }
+    out.flush();
+    if (!out) {
+      Report(err, name, "cannot write the output");
+      return kExitIo;
+    }
+    return kExitOk;
+  } catch (const ToolError& e) {
+    Report(err, name, e.what());
+    return e.status();
+  }
+}
+
+int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err) {
+  const TypeInfo* type = FindType(request.type);
+  if (type == nullptr) {
+    err << "keyasn encode: unknown TYPE \"" << request.type << "\" (see keyasn encode --help)\n";
+    return kExitUsage;
+  }
+  std::string name = request.file == "-" ? "<stdin>" : request.file;
+  Bytes encoding;
+  try {
+    Source source = ReadSource(request.file);
+    name = source.name;
+    Json document;
+    try {
+      document = Json::parse(source.bytes.begin(), source.bytes.end());
+    } catch (const Json::parse_error& e) {
+      throw ToolError(kExitMalformed, std::string("not JSON: ") + e.what());
+    }
+    encoding = type->encode(JsonIn(document, ""));
+  } catch (const ToolError& e) {
+    Report(err, name, e.what());
+    return e.status();
+  }
+  std::string text;
+  switch (request.outform) {
+    case OutputForm::kDer:
+      text.assign(encoding.begin(), encoding.end());
+      break;
+    case OutputForm::kHex:
+      text = ToHex(encoding) + "\n";
+      break;
+    case OutputForm::kPem: {
+      const std::string label = UpperLabel(type->name);
+      text = "-----BEGIN " + label + "-----\n" + EncodeBase64(encoding) + "-----END " + label + "-----\n";
+      break;
+    }
+  }
+  if (request.output.empty() || request.output == "-") {
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    out.flush();
+    if (!out) {
+      Report(err, "<stdout>", "cannot write the output");
+      return kExitIo;
+    }
+    return kExitOk;
+  }
+  std::ofstream file(request.output, std::ios::binary | std::ios::trunc);
+  if (!file) {
+    Report(err, request.output, std::string("cannot open for writing: ") + std::strerror(errno));
+    return kExitIo;
+  }
+  file.write(text.data(), static_cast<std::streamsize>(text.size()));
+  file.close();
+  if (!file) {
+    Report(err, request.output, "cannot write");
+    return kExitIo;
+  }
+  return kExitOk;
+}
+
+}  // namespace tool
+}  // namespace keyasn

@@ -1,0 +1,67 @@
+// The element tree of BER/DER input, walked without recursion and bounded in
+// depth, with OCTET STRING and BIT STRING contents opened when they hold DER.
+#ifndef KEYASN_TOOLS_DER_WALK_H_
+#define KEYASN_TOOLS_DER_WALK_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace keyasn {
+namespace tool {
+
+// The deepest nesting the walker follows; deeper input is reported as malformed
+// (the tree is printed with indentation, so depth costs output as well as memory).
+constexpr int kMaxDepth = 100;
+
+// Element is one element of the tree; offsets count from the start of the input.
+struct Element {
+  std::size_t offset = 0;         // first identifier octet
+  unsigned int header_length = 0;  // identifier and length octets
+  bool indefinite = false;         // length octet 0x80
+  std::size_t length = 0;          // contents octets (for an indefinite element, found by the walk)
+  unsigned char tag_class = 0;     // 0x00, 0x40, 0x80 or 0xC0
+  bool constructed = false;
+  unsigned int tag = 0;
+  int depth = 0;
+  int parent = -1;             // index in Tree::elements, -1 at the top
+  bool encapsulated = false;   // a child found inside a primitive's contents
+  bool encapsulates = false;   // a primitive whose contents were opened
+  bool end_of_contents = false;  // the 00 00 pair that ends an indefinite element
+  std::vector<int> children;
+};
+
+// WalkError is where and why the walk stopped.
+struct WalkError {
+  std::size_t offset = 0;
+  int code = 0;          // the library's code: 205 or 206
+  std::string meaning;   // what is wrong, in words
+};
+
+struct Tree {
+  std::vector<Element> elements;  // in encoding order (each parent before its children)
+  std::vector<int> roots;
+  bool failed = false;
+  WalkError error;
+};
+
+struct WalkOptions {
+  bool open_encapsulated = true;  // open OCTET/BIT STRING contents that are DER
+  bool allow_indefinite = true;   // false: an indefinite length is an error
+};
+
+// Walk parses every element of `data`. On malformed input it keeps the elements
+// parsed before the bad one and fills `error`.
+Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options);
+
+// IsCompleteEncoding is true when `data` is one or more whole elements, nothing
+// left over, with no error anywhere inside.
+bool IsCompleteEncoding(const unsigned char* data, std::size_t size);
+
+// CodeMeaning names one of the library's codes ("malformed or truncated data").
+std::string CodeMeaning(int code);
+
+}  // namespace tool
+}  // namespace keyasn
+
+#endif  // KEYASN_TOOLS_DER_WALK_H_

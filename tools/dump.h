@@ -1,0 +1,41 @@
+// The dump command's two renderings of an element tree: one text line per
+// element, or a JSON array of the top-level elements.
+#ifndef KEYASN_TOOLS_DUMP_H_
+#define KEYASN_TOOLS_DUMP_H_
+
+#include <ostream>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "der_walk.h"
+
+namespace keyasn {
+namespace tool {
+
+using Json = nlohmann::ordered_json;
+
+// TypeName names an element: a universal type name, "[n]", "[APPLICATION n]" or
+// "[PRIVATE n]" ("EOC" for end-of-contents octets).
+std::string TypeName(unsigned char tag_class, unsigned int tag);
+
+// ClassName is "universal", "application", "context" or "private".
+const char* ClassName(unsigned char tag_class);
+
+// DumpText writes one line per element: offset, header length, contents length
+// ("inf" for an indefinite length), "cons" or "prim", the name indented by depth,
+// and the readable value of a primitive (octets shortened unless `full`).
+void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out);
+
+// DumpJson returns the top-level elements as a JSON array (values never shortened).
+Json DumpJson(const Tree& tree, const unsigned char* data);
+
+// DumpLines is DumpText into lines, `indent` spaces before each, for embedding an
+// element's tree in other output (show).
+std::string DumpLines(const unsigned char* data, std::size_t size, const std::string& indent,
+                      bool full);
+
+}  // namespace tool
+}  // namespace keyasn
+
+#endif  // KEYASN_TOOLS_DUMP_H_

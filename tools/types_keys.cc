@@ -1,0 +1,9 @@
+#include "types.h"
+
+namespace keyasn {
+namespace tool {
+
+void AddKeyTypes(std::vector<TypeInfo>*) {}
+
+}  // namespace tool
+}  // namespace keyasn
