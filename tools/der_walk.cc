@@ -9,6 +9,16 @@ namespace tool {
 
 std::string CodeMeaning(int code) {
   switch (code) {
+    case 5: return "short read";
+    case 6: return "short write";
+    case 12: return "no buffer for a string conversion";
+    case 16: return "unexpected failure";
+    case 28: return "not a SEQUENCE or SET tag";
+    case 37: return "data shorter than needed";
+    case 42: return "the encrypted key cannot be written";
+    case 115: return "element not handled by the decoder";
+    case 131: return "wrong type, or a value of the wrong size or range";
+    case 134: return "not the binary parameter form";
     case 205: return "malformed identifier octets";
     case 206: return "malformed or truncated data";
     default: return "error";
@@ -43,11 +53,18 @@ class Walker {
   Tree Run();
 
  private:
+  // Fail ends the walk. The error reported is the first one met: a truncated
+  // constructed element is only noted, and the walk goes on inside it as far as
+  // the data goes, so that the tree shows where the data ends.
   bool Fail(std::size_t offset, int code, const std::string& meaning) {
     tree_.failed = true;
-    tree_.error.offset = offset;
-    tree_.error.code = code;
-    tree_.error.meaning = meaning;
+    if (pending_) {
+      tree_.error = pending_error_;
+    } else {
+      tree_.error.offset = offset;
+      tree_.error.code = code;
+      tree_.error.meaning = meaning;
+    }
     return false;
   }
   int AddElement(const Element& element, const Frame& frame) {
@@ -70,12 +87,15 @@ class Walker {
   Tree tree_;
   std::vector<Frame> frames_;
   std::size_t pos_ = 0;
+  bool pending_ = false;
+  WalkError pending_error_;
 };
 
 Tree Walker::Run() {
   frames_.push_back(Frame{-1, size_, false, 0, false});
   while (!frames_.empty() && Step()) {
   }
+  if (pending_ && !tree_.failed) Fail(0, 0, std::string());
   return std::move(tree_);
 }
 
@@ -161,10 +181,19 @@ bool Walker::Step() {
   } else {
     element.length = info.Length;
     if (element.length > after_header) {
-      return Fail(pos_, 206,
-                  "length " + std::to_string(element.length) + " runs past the end of the " +
-                      (frame.element < 0 ? "data" : "enclosing element") + " (" +
-                      OctetCount(after_header) + " left)");
+      const std::string meaning = "length " + std::to_string(element.length) +
+                                  " runs past the end of the " +
+                                  (frame.element < 0 ? "data" : "enclosing element") + " (" +
+                                  OctetCount(after_header) + " left)";
+      if (!element.constructed) return Fail(pos_, 206, meaning);
+      if (!pending_) {
+        pending_ = true;
+        pending_error_ = WalkError{pos_, 206, meaning};
+      }
+      const int index = AddElement(element, frame);
+      pos_ += element.header_length;
+      frames_.push_back(Frame{index, frame.end, false, frame.depth + 1, false});
+      return true;
     }
     total = element.header_length + element.length;
   }

@@ -1,2 +1,149 @@
 #!/usr/bin/env bash
-echo "behaviour: nothing yet"
+# The tool's behaviour at its edges: help and version, exit statuses, messages
+# naming the file and the fault, standard input, the input forms, and malformed
+# input of every kind (exit 2, the tree up to the damage, never a crash).
+# Usage: cli_test.sh KEYASN SOURCE_DIR
+set -uo pipefail
+keyasn=$1
+cd "$2"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+checks=0
+
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+
+# run STATUS COMMAND...: runs the tool, expects the exit status; output in
+# $work/out and $work/err.
+run() {
+  local want=$1; shift
+  checks=$((checks + 1))
+  local status=0
+  "$keyasn" "$@" > "$work/out" 2> "$work/err" || status=$?
+  if [ "$status" -ge 128 ]; then fail "keyasn $* died with signal $((status - 128))"; return 1; fi
+  if [ "$status" -ne "$want" ]; then
+    fail "keyasn $* exited with $status, not $want; stderr: $(head -3 "$work/err")"
+    return 1
+  fi
+  return 0
+}
+out_has() { grep -q -F -- "$1" "$work/out" || fail "stdout lacks '$1': $(head -5 "$work/out")"; }
+err_has() { grep -q -F -- "$1" "$work/err" || fail "stderr lacks '$1': $(head -5 "$work/err")"; }
+err_is() { [ "$(cat "$work/err")" = "$1" ] || fail "stderr is '$(cat "$work/err")', not '$1'"; }
+out_empty() { [ ! -s "$work/out" ] || fail "stdout not empty: $(head -3 "$work/out")"; }
+
+sample=samples/container.der
+
+# Help and version.
+run 0 --version && out_has "keyasn 1.0.0"
+run 0 --help && { out_has "dump"; out_has "show"; out_has "encode"; out_has "Exit status"; }
+run 0 dump --help && { out_has "--no-encap"; out_has "--full"; out_has "--inform"; out_has "--json"; }
+run 0 show --help && { out_has "--as"; out_has "container"; }
+run 0 encode --help && { out_has "--outform"; out_has "-o,--output"; }
+
+# Usage errors: exit 1.
+run 1
+run 1 frobnicate
+run 1 dump --bogus
+run 1 dump --inform xml "$sample" && err_has "xml"
+run 1 show "$sample" && err_has "--as TYPE is required with a FILE"
+run 1 show --as nosuch "$sample" && err_has 'unknown TYPE "nosuch"'
+run 1 encode && err_has "--as"
+run 1 encode --as container --outform ber && err_has "ber"
+run 1 dump a b
+
+# I/O errors: exit 3, the file named.
+run 3 dump /nonexistent/x.der && err_is "keyasn: /nonexistent/x.der: cannot open: No such file or directory"
+run 3 show --as container /nonexistent/x.der && err_has "keyasn: /nonexistent/x.der: cannot open"
+run 3 dump "$work" && err_has "keyasn: $work: cannot read"
+"$keyasn" show --json > "$work/c.json"
+run 3 encode --as container "$work/c.json" -o /nonexistent/dir/out.der && \
+  err_has "keyasn: /nonexistent/dir/out.der: cannot open for writing"
+run 3 encode --as container /nonexistent/in.json && err_has "keyasn: /nonexistent/in.json: cannot open"
+
+# Standard input, and every input form of the same octets.
+run 0 dump - < "$sample" && cp "$work/out" "$work/der.dump"
+run 0 dump "$sample" && cmp -s "$work/out" "$work/der.dump" || fail "dump of a file and of stdin differ"
+{ echo "-----BEGIN KEY CONTAINER-----"; base64 -w 64 "$sample"; echo "-----END KEY CONTAINER-----"; } > "$work/c.pem"
+base64 -w 76 "$sample" > "$work/c.b64"
+od -An -v -tx1 "$sample" > "$work/c.hex"
+for form in pem b64 hex; do
+  run 0 dump "$work/c.$form" && { cmp -s "$work/out" "$work/der.dump" || fail "dump of the $form form differs"; }
+done
+run 0 dump --inform pem "$work/c.pem" && cmp -s "$work/out" "$work/der.dump" || fail "--inform pem"
+run 0 dump --inform base64 - < "$work/c.b64" && cmp -s "$work/out" "$work/der.dump" || fail "--inform base64"
+run 0 dump --inform hex "$work/c.hex" && cmp -s "$work/out" "$work/der.dump" || fail "--inform hex"
+run 0 dump --inform der "$sample" && cmp -s "$work/out" "$work/der.dump" || fail "--inform der"
+run 0 show --as container - < "$work/c.pem" && out_has "# ASNContainerInfo (container) from <stdin>"
+run 2 dump --inform hex "$sample" && err_has "keyasn: $sample: not hex text"
+run 2 dump --inform pem "$sample" && err_has "keyasn: $sample: not PEM: no PEM block"
+run 2 dump --inform base64 "$work/c.pem" && err_has "not base64 text"
+: > "$work/empty"
+run 2 dump "$work/empty" && err_is "keyasn: $work/empty: empty input"
+run 2 dump - < /dev/null && err_is "keyasn: <stdin>: empty input"
+
+# --no-encap and --full.
+printf '\x04\x05\x30\x03\x02\x01\x05' > "$work/encap.der"
+run 0 dump "$work/encap.der" && { out_has "OCTET STRING encapsulates"; out_has "INTEGER 5"; }
+run 0 dump --no-encap "$work/encap.der" && { out_has "OCTET STRING 3003020105"; grep -q INTEGER "$work/out" && fail "--no-encap opened the contents"; }
+run 0 dump "$sample" && out_has "... (20 octets)"
+run 0 dump --full "$sample" && { grep -q -F "octets)" "$work/out" && fail "--full still shortens"; out_has "202122232425262728292A2B2C2D2E2F30313233"; }
+
+# Malformed input: exit 2, the tree up to the bad element on stdout, the offset
+# and the fault on stderr.
+printf '\x30\x06\x02\x01\x05\x04\x05\x41' > "$work/bad-length.der"
+run 2 dump "$work/bad-length.der" && {
+  out_has "INTEGER 5"
+  err_is "keyasn: $work/bad-length.der: error at offset 5: 206 malformed or truncated data: length 5 runs past the end of the enclosing element (1 octet left)"
+}
+run 2 dump --json "$work/bad-length.der" && { out_has '"offset": 2'; err_has "error at offset 5: 206"; }
+head -c 100 "$sample" > "$work/truncated.der"
+run 2 dump "$work/truncated.der" && {
+  out_has "    93  2     10 cons     [3]"
+  err_has "error at offset 0: 206 malformed or truncated data: length 408 runs past the end of the data (96 octets left)"
+}
+run 2 show --as container "$work/truncated.der" && { out_empty; err_has "keyasn: $work/truncated.der: error at offset 0: 206"; }
+printf '\x30\x03\x02\x01\x05\x05' > "$work/trailing.der"
+run 2 dump "$work/trailing.der" && err_has "error at offset 5: 206 malformed or truncated data: header truncated (1 octet left)"
+printf '\x30\x03\x02\x01\x05\x05\x00' > "$work/two.der"
+run 0 dump "$work/two.der" && out_has "NULL"
+run 2 show --as container "$work/two.der" && err_has "error at offset 5: data after the ASNContainerInfo element"
+printf '\x1f\x81\x81' > "$work/tag.der"
+run 2 dump "$work/tag.der" && err_has "error at offset 0: 205 malformed identifier octets"
+# Deep nesting, definite and indefinite.
+awk 'BEGIN { for (i = 0; i < 5000; i++) printf "3080"; for (i = 0; i < 5000; i++) printf "0000" }' > "$work/deep.hex"
+run 2 dump "$work/deep.hex" && { err_has "error at offset 200: 206 malformed or truncated data: nesting deeper than 100 levels"; }
+run 2 show --as container "$work/deep.hex" && err_has "nesting deeper than 100 levels"
+# Every prefix of the sample: the dump and the container reader refuse it
+# cleanly, never crash.
+size=$(stat -c %s "$sample")
+for ((n = 1; n < size; n += 7)); do
+  head -c "$n" "$sample" > "$work/prefix.der"
+  run 2 dump --inform der "$work/prefix.der" || true
+  run 2 show --inform der --as container "$work/prefix.der" || true
+done
+# A structure of the wrong TYPE.
+run 2 show --as keyinfo samples/validity.der && err_has "keyasn: samples/validity.der: cannot read the key description: ASNKeyInfo::ReadData"
+run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (malformed or truncated data)"
+
+# Malformed JSON for encode: exit 2, the member named.
+echo '{"Version": 3,' > "$work/broken.json"
+run 2 encode --as container "$work/broken.json" && err_has "keyasn: $work/broken.json: not JSON: "
+echo '{"Version": -1, "KeyInfo": null, "DefenceKeyInfo": null, "Optional0": null, "Optional1": null}' > "$work/neg.json"
+run 2 encode --as container "$work/neg.json" && err_has 'member "Version": expected a whole number from 0 to 4294967295'
+echo '{"Version": 3, "KeyInfo": {"Flags": 1}, "DefenceKeyInfo": null, "Optional0": null, "Optional1": null}' > "$work/partial.json"
+run 2 encode --as container "$work/partial.json" && err_has 'member "KeyInfo.Number": missing'
+echo '{"ObjID": "1.2.x", "AddInfo": null}' > "$work/oid.json"
+run 2 encode --as algid "$work/oid.json" && err_has 'member "ObjID": expected a dotted object identifier'
+echo '{"From": "yesterday", "To": null}' > "$work/time.json"
+run 2 encode --as validity "$work/time.json" && err_has 'member "From": expected a time'
+echo '[]' > "$work/array.json"
+run 2 encode --as container "$work/array.json" && err_has "the document: expected an object"
+
+# encode writes DER by default, PEM and hex on request, to a file with -o.
+run 0 encode --as container "$work/c.json" -o "$work/out.der" && { out_empty; cmp -s "$work/out.der" "$sample" || fail "encode -o"; }
+run 0 encode --as container --outform pem "$work/c.json" && { out_has "-----BEGIN KEYASN CONTAINER-----"; out_has "-----END KEYASN CONTAINER-----"; }
+run 0 encode --as container --outform hex "$work/c.json" && { [ "$(cat "$work/out")" = "$(od -An -v -tx1 "$sample" | tr -d ' \n' | tr a-f A-F)" ] || fail "hex output"; }
+
+if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
+echo "$checks behaviour checks passed"

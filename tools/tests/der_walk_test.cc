@@ -113,7 +113,10 @@ struct BadRow {
 TEST(WalkTest, MalformedInputs) {
   const BadRow rows[] = {
       {"one octet", "30", 0, 206, "header truncated (1 octet left)", 0},
-      {"contents past the end", "3005020105", 0, 206, "length 5 runs past the end of the data", 0},
+      {"contents past the end", "3005020105", 0, 206, "length 5 runs past the end of the data", 2},
+      {"truncated inside a truncated element", "3009 3007 020105 0403", 0, 206,
+       "length 9 runs past the end of the data (7 octets left)", 3},
+      {"primitive past the end", "0405 0102", 0, 206, "length 5 runs past the end of the data", 0},
       {"child past its parent", "3003020205 0000", 2, 206,
        "length 2 runs past the end of the enclosing element (1 octet left)", 1},
       {"truncated long length", "0482 01", 0, 206, "length octets truncated", 0},

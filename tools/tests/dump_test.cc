@@ -125,6 +125,7 @@ TEST(DumpTest, DumpLinesIndentsAndReportsDamage) {
             ">      0  2      3 cons SEQUENCE\n>      2  2      1 prim   INTEGER 5\n");
   const Bytes bad = H("3005 0201");
   EXPECT_EQ(DumpLines(bad.data(), bad.size(), "", false),
+            "     0  2      5 cons SEQUENCE\n"
             "(error at offset 0: length 5 runs past the end of the data (2 octets left))\n");
 }
 
