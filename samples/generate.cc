@@ -2,6 +2,7 @@
 // writers from realistic values. Usage: keyasn_make_samples OUTDIR PARAMSETS
 // where PARAMSETS is the list of GOST 28147-89 parameter sets (gost28147-paramsets.txt).
 // The samples test runs it and compares every file with the one checked in.
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -214,6 +215,54 @@ void TokenSamples() {
   Write("alg_add_info.der", triple);
 }
 
+// One encryption parameter sample per RFC 4357 set, and the binary form of set A.
+bool EncryptionParameterSamples(const std::string& paramsets) {
+  std::ifstream in(paramsets);
+  if (!in) {
+    std::cerr << "cannot read " << paramsets << '\n';
+    return false;
+  }
+  std::string line;
+  int sets = 0;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream fields(line);
+    std::string name, oid, meshing, box;
+    int mode = 0, shift = 0;
+    if (!(fields >> name >> oid >> mode >> shift >> meshing >> box)) {
+      std::cerr << "bad line in " << paramsets << ": " << line << '\n';
+      return false;
+    }
+    CASNEncrParams params;
+    params.paramSetOid = oid;
+    params.keyMeshingOid = meshing;
+    params.mode = mode;
+    params.shiftBits = shift;
+    params.substitutionBox = FromHex(box);
+    std::string lower;
+    for (char c : name) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::vector<unsigned char> der = params.WriteData();
+    Write("encr_params_" + lower + ".der", der.data(), der.size());
+    ++sets;
+    if (name == "A") {
+      // The binary form has no writer in the library: it is built here and
+      // checked by reading it back.
+      Octets binary = {0x40, 0x01, 0x00, 0x00, 0x01, 0x00};
+      for (unsigned char octet : params.substitutionBox) {
+        binary.push_back(static_cast<unsigned char>(octet << 4 | octet >> 4));
+      }
+      CASNEncrParams back;
+      if (back.GetFromDsdr(binary.data(), static_cast<unsigned int>(binary.size())) != 0 ||
+          back.substitutionBox != params.substitutionBox) {
+        std::cerr << "the binary form does not read back\n";
+        return false;
+      }
+      Write("encr_params_binary.bin", binary.data(), binary.size());
+    }
+  }
+  return sets == 5;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -226,6 +275,7 @@ int main(int argc, char** argv) {
     KeyDescriptionSamples();
     TransportSamples();
     TokenSamples();
+    if (!EncryptionParameterSamples(argv[2])) return 1;
   } catch (const XRUVStatus& status) {
     std::cerr << "library failure " << status.Status() << " at " << status.Where() << '\n';
     return 1;

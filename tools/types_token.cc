@@ -154,6 +154,91 @@ Bytes EncodeAlgAddInfo(const JsonIn& in) {
   return Bytes(info.GetData(), info.GetData() + info.Count());
 }
 
+// encr-params
+
+void ShowEncrParamsMembers(View* view, const CASNEncrParams& params) {
+  view->Oid("paramSetOid", params.paramSetOid);
+  view->Oid("keyMeshingOid", params.keyMeshingOid);
+  view->Int("mode", params.mode);
+  view->Int("shiftBits", params.shiftBits);
+  view->Octets("substitutionBox", params.substitutionBox);
+}
+
+void ShowEncrParams(const Bytes& der, View* view) {
+  CASNEncrParams params;
+  int code = 0;
+  Library("cannot read the encryption parameters", [&] { code = params.ReadData(der.data(), Size(der)); });
+  CheckCode(code, "cannot read the encryption parameters", "CASNEncrParams::ReadData");
+  ShowEncrParamsMembers(view, params);
+}
+
+Bytes EncodeEncrParams(const JsonIn& in) {
+  CASNEncrParams params;
+  params.paramSetOid = in.Str("paramSetOid");
+  params.keyMeshingOid = in.Str("keyMeshingOid");
+  params.mode = in.I32("mode");
+  params.shiftBits = in.I32("shiftBits");
+  params.substitutionBox = in.Hex("substitutionBox");
+  Bytes out;
+  Library("cannot write the encryption parameters", [&] { out = params.WriteData(); });
+  if (out.empty()) throw ToolError(kExitMalformed, "cannot write the encryption parameters: CASNEncrParams::WriteData gave nothing");
+  return out;
+}
+
+// encr-params-binary: the 70-octet form that GetFromDsdr reads: the magic
+// 40 01 00 00, the set number's low and high octets, and the substitution box
+// with the two halves of every octet exchanged. The library reads it only; the
+// tool writes it and checks it by reading it back with the library.
+
+constexpr std::size_t kBinaryFormSize = 70;
+
+void ShowEncrParamsBinary(const Bytes& input, View* view) {
+  CASNEncrParams params;
+  int code = 0;
+  Library("cannot read the binary encryption parameters",
+          [&] { code = params.GetFromDsdr(input.data(), Size(input)); });
+  CheckCode(code, "cannot read the binary encryption parameters", "CASNEncrParams::GetFromDsdr");
+  view->Num("NumberLow", input[4]);
+  view->Num("NumberHigh", input[5]);
+  view->Note("the set number is NumberHigh * 16 + NumberLow, appended to the default identifier");
+  ShowEncrParamsMembers(view, params);
+  if (input.size() > kBinaryFormSize) {
+    view->Note("octets after the 70th are not read by the library");
+    view->Octets("Trailing", input.data() + kBinaryFormSize, input.size() - kBinaryFormSize);
+  } else {
+    view->Null("Trailing");
+  }
+}
+
+Bytes EncodeEncrParamsBinary(const JsonIn& in) {
+  const unsigned int low = in.U32("NumberLow");
+  const unsigned int high = in.U32("NumberHigh");
+  if (low > 255) in.Fail("NumberLow", "expected an octet (0 to 255)");
+  if (high > 255) in.Fail("NumberHigh", "expected an octet (0 to 255)");
+  const Bytes box = in.Hex("substitutionBox");
+  if (box.size() != 64) in.Fail("substitutionBox", "the binary form carries exactly 64 octets");
+  Bytes out = {0x40, 0x01, 0x00, 0x00, static_cast<unsigned char>(low), static_cast<unsigned char>(high)};
+  for (unsigned char octet : box) out.push_back(static_cast<unsigned char>(octet << 4 | octet >> 4));
+  if (!in.IsNull("Trailing")) {
+    const Bytes trailing = in.Hex("Trailing");
+    out.insert(out.end(), trailing.begin(), trailing.end());
+  }
+  // What the library reads back must be what the JSON says.
+  CASNEncrParams params;
+  CheckCode(params.GetFromDsdr(out.data(), Size(out)), "cannot check the binary encryption parameters",
+            "CASNEncrParams::GetFromDsdr");
+  const auto expect = [&](const char* name, const Json& value) {
+    if (in.Has(name) && in.value().at(name) != value) {
+      in.Fail(name, "the binary form cannot carry this value (the library reads " + value.dump() + ")");
+    }
+  };
+  expect("paramSetOid", params.paramSetOid);
+  expect("keyMeshingOid", params.keyMeshingOid);
+  expect("mode", params.mode);
+  expect("shiftBits", params.shiftBits);
+  return out;
+}
+
 }  // namespace
 
 void AddTokenTypes(std::vector<TypeInfo>* types) {
@@ -167,6 +252,12 @@ void AddTokenTypes(std::vector<TypeInfo>* types) {
                     ShowEphemeralKey, EncodeEphemeralKey});
   types->push_back({"alg-add-info", "CASNAlgAddInfo", "signature, hash and encryption algorithms",
                     true, ShowAlgAddInfo, EncodeAlgAddInfo});
+  types->push_back({"encr-params", "CASNEncrParams",
+                    "a GOST 28147-89 parameter set: identifier, S-box, mode, shift, key meshing",
+                    true, ShowEncrParams, EncodeEncrParams});
+  types->push_back({"encr-params-binary", "CASNEncrParams",
+                    "the same read from its 70-octet binary form", false, ShowEncrParamsBinary,
+                    EncodeEncrParamsBinary});
 }
 
 }  // namespace tool

@@ -140,6 +140,18 @@ run 2 encode --as validity "$work/time.json" && err_has 'member "From": expected
 echo '[]' > "$work/array.json"
 run 2 encode --as container "$work/array.json" && err_has "the document: expected an object"
 
+# The binary parameter form: too short, or values it cannot carry.
+head -c 69 samples/encr_params_binary.bin > "$work/short.bin"
+run 2 show --as encr-params-binary "$work/short.bin" && \
+  err_has "cannot read the binary encryption parameters: CASNEncrParams::GetFromDsdr: code 134"
+"$keyasn" show --as encr-params-binary --json samples/encr_params_binary.bin | sed 's/"mode": 1/"mode": 0/' > "$work/mode.json"
+run 2 encode --as encr-params-binary "$work/mode.json" && \
+  err_has 'member "mode": the binary form cannot carry this value (the library reads 1)'
+{ cat samples/encr_params_binary.bin; printf 'XY'; } > "$work/long.bin"
+run 0 show --as encr-params-binary "$work/long.bin" && out_has "Trailing: 5859 (2 octets)"
+run 0 show --as encr-params-binary --json "$work/long.bin" && cp "$work/out" "$work/long.json"
+run 0 encode --as encr-params-binary "$work/long.json" && cmp -s "$work/out" "$work/long.bin" || fail "trailing octets round trip"
+
 # encode writes DER by default, PEM and hex on request, to a file with -o.
 run 0 encode --as container "$work/c.json" -o "$work/out.der" && { out_empty; cmp -s "$work/out.der" "$sample" || fail "encode -o"; }
 run 0 encode --as container --outform pem "$work/c.json" && { out_has "-----BEGIN KEYASN CONTAINER-----"; out_has "-----END KEYASN CONTAINER-----"; }

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # dump agrees with `openssl asn1parse -inform DER -i` on every certificate of the
-# system CA bundle: the same elements with the same offsets, depths, header
-# lengths, contents lengths, constructed flags and tags.
-# Usage: openssl_agreement.sh KEYASN [BUNDLE]
+# system CA bundle, and on every DER sample: the same elements with the same
+# offsets, depths, header lengths, contents lengths, constructed flags and tags.
+# Usage: openssl_agreement.sh KEYASN [BUNDLE [SAMPLES_DIR]]
 set -euo pipefail
 keyasn=$1
 bundle=${2:-/etc/ssl/certs/ca-certificates.crt}
+samples=${3:-}
 [ -r "$bundle" ] || { echo "no CA bundle at $bundle"; exit 1; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -72,20 +73,24 @@ from_keyasn() {
 
 count=0
 for pem in "$work"/cert*.pem; do
-  der=${pem%.pem}.der
-  openssl x509 -in "$pem" -outform DER -out "$der"
+  openssl x509 -in "$pem" -outform DER -out "${pem%.pem}.der"
+done
+if [ -n "$samples" ]; then
+  for sample in "$samples"/*.der; do cp "$sample" "$work/sample-$(basename "$sample")"; done
+fi
+for der in "$work"/*.der; do
   openssl asn1parse -inform DER -i -in "$der" | from_openssl > "$der.openssl"
   "$keyasn" dump --no-encap "$der" | from_keyasn > "$der.keyasn"
   if ! diff -u "$der.openssl" "$der.keyasn" > "$der.diff"; then
-    echo "disagreement on certificate $(basename "$pem") of $bundle:"
+    echo "disagreement on $(basename "$der"):"
     head -40 "$der.diff"
     exit 1
   fi
   if grep -q -E 'UNPARSED|UNKNOWN' "$der.openssl"; then
-    echo "unexpected openssl output for $(basename "$pem"):"; grep -E 'UNPARSED|UNKNOWN' "$der.openssl"
+    echo "unexpected openssl output for $(basename "$der"):"; grep -E 'UNPARSED|UNKNOWN' "$der.openssl"
     exit 1
   fi
   count=$((count + 1))
 done
 [ "$count" -gt 0 ] || { echo "no certificates in $bundle"; exit 1; }
-echo "dump agrees with openssl asn1parse on $count certificates"
+echo "dump agrees with openssl asn1parse on $count files (the certificates of $bundle and the samples)"
