@@ -1,5 +1,6 @@
 #include "fuzz/fuzz_support.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -9,7 +10,17 @@
 
 namespace keyasn_fuzz {
 
+namespace {
+std::string& Note() {
+  static std::string note;
+  return note;
+}
+}  // namespace
+
+void SetFailureNote(const std::string& note) { Note() = note; }
+
 void Fail(const char* file, int line, const char* what) {
+  if (!Note().empty()) std::fprintf(stderr, "input: %s\n", Note().c_str());
   std::fprintf(stderr, "%s:%d: property broken: %s\n", file, line, what);
   std::fflush(stderr);
   std::abort();
@@ -57,6 +68,50 @@ bool Same(const IdentObj& obj, const uint8_t* data, size_t size) {
   return size == 0 || std::memcmp(obj.GetData(), data, size) == 0;
 }
 
+bool IsDer(const uint8_t* data, size_t size) {
+  if (!data || size == 0) return false;
+  std::vector<size_t> ends = {size};  // the end of every open constructed element
+  size_t at = 0;
+  while (at < size) {
+    // Identifier octets.
+    const uint8_t first = data[at++];
+    if ((first & 0x1F) == 0x1F) {
+      if (at >= size || data[at] == 0x80) return false;  // a leading zero group
+      uint64_t tag = 0;
+      size_t groups = 0;
+      for (;;) {
+        if (at >= size || ++groups > 5) return false;
+        const uint8_t octet = data[at++];
+        tag = tag << 7 | (octet & 0x7Fu);
+        if (!(octet & 0x80)) break;
+      }
+      if (tag < 31 || tag > 0xFFFFFFFFu) return false;
+    }
+    // Length octets.
+    if (at >= size) return false;
+    const uint8_t lead = data[at++];
+    size_t length = lead;
+    if (lead == 0x80 || lead > 0x84) return false;
+    if (lead > 0x80) {
+      const size_t count = lead & 0x7Fu;
+      if (size - at < count || data[at] == 0) return false;
+      length = 0;
+      for (size_t i = 0; i < count; ++i) length = length << 8 | data[at++];
+      if (length < 0x80) return false;
+    }
+    if (at > ends.back() || length > ends.back() - at) return false;
+    if (first & 0x20) {
+      if (length == 0) return false;
+      ends.push_back(at + length);
+    } else {
+      at += length;
+    }
+    while (ends.size() > 1 && at == ends.back()) ends.pop_back();
+    if (ends.size() == 1) return at == size;  // the one outer element is complete
+  }
+  return false;
+}
+
 namespace {
 
 std::string& PathText() {
@@ -84,11 +139,17 @@ const char* ScratchFile::Path() {
 }
 
 const char* ScratchFile::Write(const uint8_t* data, size_t size) {
+  // One descriptor kept open: truncating and rewriting is cheaper than creating.
+  static int fd = -1;
   const char* path = Path();
-  std::FILE* f = std::fopen(path, "wb");
-  if (!f) Fail(__FILE__, __LINE__, "cannot create the scratch file");
-  if (size && std::fwrite(data, 1, size, f) != size) Fail(__FILE__, __LINE__, "short write");
-  std::fclose(f);
+  if (fd < 0) fd = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  if (fd < 0 || ftruncate(fd, 0) != 0) Fail(__FILE__, __LINE__, "cannot rewrite the scratch file");
+  size_t done = 0;
+  while (done < size) {
+    const ssize_t n = pwrite(fd, data + done, size - done, static_cast<off_t>(done));
+    if (n <= 0) Fail(__FILE__, __LINE__, "short write to the scratch file");
+    done += static_cast<size_t>(n);
+  }
   return path;
 }
 

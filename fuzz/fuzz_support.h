@@ -10,12 +10,16 @@
 #include <vector>
 
 #include "keyasn/support/ident_obj.h"
+#include "keyasn/support/status.h"
 
 namespace keyasn_fuzz {
 
 // Fail reports a broken property and aborts, so that libFuzzer keeps the input and
 // a replay or sweep run stops at once.
 [[noreturn]] void Fail(const char* file, int line, const char* what);
+
+// SetFailureNote: a line that Fail prints first (the sweeps name the input).
+void SetFailureNote(const std::string& note);
 
 #define KEYASN_FUZZ_CHECK(cond) \
   ((cond) ? static_cast<void>(0) : ::keyasn_fuzz::Fail(__FILE__, __LINE__, #cond))
@@ -31,6 +35,18 @@ inline unsigned int Size32(size_t size) { return static_cast<unsigned int>(size)
 // IsLibraryCode: a code of the library's table (5, 6, 12, 28, 37, 42, 115, 131,
 // 205, 206).
 bool IsLibraryCode(int code);
+
+// Guard runs `f` and returns 0, or the code of the XRUVStatus it raised (which
+// must be a code of the library's table, or, with `anyCode`, any positive
+// value such as an errno). Other exceptions pass through.
+template <class F>
+int Guard(F&& f, bool anyCode = false);
+
+// IsDer: the `size` octets are exactly one element in distinguished form as the
+// record model writes it: identifier octets in their shortest form, definite
+// lengths in their shortest form, no constructed element with empty contents, every
+// constructed element's contents exactly its elements. Iterative.
+bool IsDer(const uint8_t* data, size_t size);
 
 // Input takes control values from the front of a fuzz input; what is left is the
 // payload. Taking from an exhausted input gives zeros.
@@ -64,6 +80,11 @@ inline std::vector<uint8_t> Bytes(const IdentObj& obj) {
 // Same: the octets of `obj` equal `size` octets at `data`.
 bool Same(const IdentObj& obj, const uint8_t* data, size_t size);
 
+// The file readers take octets one at a time, so they get at most this many
+// octets of an input (the buffer readers get all of it).
+constexpr size_t kFileFormLimit = 2048;
+inline size_t FileFormSize(size_t size) { return size < kFileFormLimit ? size : kFileFormLimit; }
+
 // ScratchFile: one file per process, rewritten for every input (in /dev/shm when
 // there is one), removed at exit.
 class ScratchFile {
@@ -75,6 +96,19 @@ class ScratchFile {
   // Read returns the file's contents.
   static std::vector<uint8_t> Read();
 };
+
+template <class F>
+int Guard(F&& f, bool anyCode) {
+  try {
+    f();
+  } catch (const XRUVStatus& status) {
+    const int code = status.Status();
+    if (!(anyCode ? code > 0 : IsLibraryCode(code)))
+      Fail(__FILE__, __LINE__, "an XRUVStatus with a code outside the table");
+    return code;
+  }
+  return 0;
+}
 
 }  // namespace keyasn_fuzz
 

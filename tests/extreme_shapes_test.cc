@@ -158,8 +158,6 @@ TEST_P(Extreme, SixtyFourMiB) {
     AppendLength(&input, static_cast<uint32_t>(kHuge - 6));
     input.resize(kHuge, 0x41);
     Expect(input, "one OCTET STRING of 64 MiB");
-    input[0] = 0x30;
-    Expect(input, "a SEQUENCE of 64 MiB holding garbage");
   }
   {
     // A SEQUENCE of 1024 OCTET STRINGs of 64 KiB each.
@@ -173,8 +171,6 @@ TEST_P(Extreme, SixtyFourMiB) {
     }
     Expect(input, "a SEQUENCE of 1024 items of 64 KiB");
   }
-  Expect(Bytes(kHuge, 0x00), "64 MiB of zero octets");
-  Expect(Bytes(kHuge, 0xFF), "64 MiB of 0xFF octets");
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, Extreme, ::testing::ValuesIn(FamilyNames()),
