@@ -39,12 +39,12 @@ namespace fs = std::filesystem;
 // Inputs up to this size get every prefix and every position changed.
 constexpr size_t kEveryPosition = 48;
 // Larger inputs: this many positions, spread over the input.
-constexpr size_t kSampledPositions = 12;
+constexpr size_t kSampledPositions = 8;
 // The costly families get fewer positions: those that also read every input from
 // a file, one octet per call (hundreds of system calls a run), and the typed
 // decoders, most of which raise on most inputs.
 constexpr size_t kFileEveryPosition = 16;
-constexpr size_t kFileSampledPositions = 5;
+constexpr size_t kFileSampledPositions = 4;
 
 bool Costly(const std::string& family) {
   return family == "record" || family == "sequence" || family == "unit" ||
