@@ -155,7 +155,8 @@ def report(results, cgdir):
       f"libtasn1 {version('libtasn1-6-dev')}, Botan {version('libbotan-2-dev')}; "
       f"Google Benchmark {version('libbenchmark-dev')}, valgrind {version('valgrind')}")
     p("- Method: every operation's checksum was verified against the generator's before "
-      "timing; one core (`taskset`), 5 repetitions of at least 0.5 s; the table gives the "
+      "timing; one core (`taskset`), 5 repetitions of at least 0.5 s run in a random interleaved "
+      "order; the table gives the "
       "median CPU time per item (wall/CPU shows how much the shared machine preempted the "
       "run). Ir/item: callgrind instructions of 3 passes after a warm-up pass, / 3 / items "
       "(noise-free). Allocations: global `operator new` calls per item in the keyasn rows.")

@@ -1,5 +1,7 @@
 #include "keyasn/codec/header.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -19,8 +21,13 @@ namespace {
 
 inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned int tag,
                       unsigned int length, const unsigned char* contents) {
-  info.Class = first & kClassMask;
-  info.Constructed = first & kConstructedBit;
+  // Class and Constructed are adjacent octets: one 16-bit store (little-endian).
+  static_assert(offsetof(ASNT_ASN_STRUCT_INFO, Constructed) ==
+                    offsetof(ASNT_ASN_STRUCT_INFO, Class) + 1,
+                "Class and Constructed are adjacent");
+  const uint16_t classAndConstructed =
+      static_cast<uint16_t>((first & kClassMask) | ((first & kConstructedBit) << 8));
+  std::memcpy(&info.Class, &classAndConstructed, sizeof classAndConstructed);
   info.Tag = tag;
   info.Length = length;
   info.Contents = contents;
@@ -89,11 +96,11 @@ __attribute__((noinline)) int ParseHighTagHeader(ASNT_ASN_STRUCT_INFO& info,
 }  // namespace
 
 int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
-  if (!data || size < 2) return keyasn::kErrMalformed;
+  if (size < 2 || !data) return keyasn::kErrMalformed;
   const unsigned char first = data[0];
+  const unsigned char lead = data[1];
   const unsigned int tag = first & 0x1Fu;
   if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
-  const unsigned char lead = data[1];
   if (lead < kIndefiniteLength) {
     SetHeader(info, first, tag, lead, data + 2);
     return keyasn::kOk;
