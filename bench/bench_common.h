@@ -49,10 +49,10 @@ struct Op {
   std::string impl;      // "keyasn", "mbedtls", ...
   uint64_t (*pass)();
   const uint64_t* expected;
-  double items;          // items per pass
-  double bytes;          // input octets per pass (0: no MB/s)
-  bool keyasn;           // count operator new calls
-  std::string note;      // set when the checksum did not match
+  double items;      // items per pass
+  double bytes;      // input octets per pass (0: no MB/s)
+  bool keyasn;       // count operator new calls
+  std::string note;  // set when the checksum did not match
 };
 
 std::vector<Op>& Ops();

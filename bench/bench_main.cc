@@ -122,8 +122,7 @@ int main(int argc, char** argv) {
   bench::RegisterAll();
   Verify();
   if (callgrind) return RunCallgrind(filter);
-  for (const Op& op : bench::Ops())
-    benchmark::RegisterBenchmark(Name(op).c_str(), Run, &op);
+  for (const Op& op : bench::Ops()) benchmark::RegisterBenchmark(Name(op).c_str(), Run, &op);
   int n = static_cast<int>(args.size());
   benchmark::Initialize(&n, args.data());
   benchmark::RunSpecifiedBenchmarks();

@@ -15,8 +15,8 @@ using Bytes = std::vector<uint8_t>;
 
 // A SEQUENCE of generated items (W2 and its scaling sizes).
 struct SplitInput {
-  Bytes element;               // the whole SEQUENCE
-  unsigned int header = 0;     // its header size: the contents start here
+  Bytes element;            // the whole SEQUENCE
+  unsigned int header = 0;  // its header size: the contents start here
   unsigned int items = 0;
   uint64_t sum = 0;            // (items << 32) + sum of tag numbers
   uint64_t contents_size = 0;  // checksum of the copy-the-contents bound

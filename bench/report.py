@@ -51,6 +51,7 @@ def callgrind(directory):
             text = subprocess.run(["callgrind_annotate", "--inclusive=no", "--threshold=100",
                                    path], capture_output=True, text=True).stdout
             started = False
+            alloc = 0
             for line in text.splitlines():
                 if "file:function" in line:
                     started = True
@@ -63,11 +64,15 @@ def callgrind(directory):
                 fn = m.group(2)
                 if "below main" in fn or "libc_start" in fn or "ld-linux" in fn:
                     continue
-                fn = re.sub(r"^\S*:(?=[^:])", "", fn, count=1) if fn.startswith(("???", ".")) else fn
+                ir = int(m.group(1).replace(",", "")) / 3.0
+                if "malloc/" in fn or re.search(r"operator (new|delete)", fn):
+                    alloc += ir
+                fn = re.sub(r"^(\?\?\?|[^\s:]*\.(c|cc|h|S)):", "", fn, count=1)
                 fn = re.sub(r"\s*\[[^\]]*\]$", "", fn)
-                top.append([int(m.group(1).replace(",", "")) / 3.0, fn])
-                if len(top) == 8:
-                    break
+                if len(top) < 8:
+                    top.append([ir, fn])
+            ops[name] = {"ir": total / 3.0, "top": top, "alloc": alloc}
+            continue
         ops[name] = {"ir": total / 3.0, "top": top}
     json.dump(ops, sys.stdout, indent=1)
 
@@ -112,6 +117,7 @@ def load(results, cgdir):
         c = cg.get(name)
         r["ir"] = c["ir"] / r["items"] if c else None
         r["top"] = c["top"] if c else []
+        r["alloc_ir"] = c.get("alloc", 0) / r["items"] if c else None
     return data["context"], rows, errors
 
 
@@ -140,6 +146,11 @@ def report(results, cgdir):
     for name in list(rows) + list(errors):
         w, impl = name.split("/", 1)
         workloads.setdefault(w, []).append(impl)
+    # Interleaved runs come in random order: list the workloads as defined.
+    def order(w):
+        keys = list(TARGETS)
+        return (keys.index(w) if w in keys else len(keys), w)
+    workloads = {w: workloads[w] for w in sorted(workloads, key=order)}
     out = []
     p = out.append
     p("# keyasn benchmark results")
@@ -250,13 +261,18 @@ def report(results, cgdir):
         p("")
         p("## Profiles of the keyasn rows that miss their target")
         p("")
-        p("Self instructions per pass (callgrind, `--inclusive=no`), the top functions:")
+        p("From callgrind (`--inclusive=no`: each function's own instructions).")
         for w, krow, tgt in unmet:
             k = rows[f"{w}/{krow}"]
             p("")
             p(f"`{w}/{krow}`: {fmt(k['cpu'])} ns/item against {tgt[0] if tgt else '—'} "
               f"{fmt(tgt[1]['cpu']) if tgt else ''}; {fmt(k['allocs'])} allocations per item; "
-              f"{fmt(k['ir'])} instructions per item")
+              f"{fmt(k['ir'])} instructions per item, of which {fmt(k['alloc_ir'])} "
+              f"({100 * k['alloc_ir'] / k['ir']:.0f} %) in the allocator (`operator new`/"
+              f"`delete`, `malloc`, `free`); {tgt[0] if tgt else ''} needs "
+              f"{fmt(tgt[1]['ir']) if tgt else '—'} instructions per item in all")
+            p("")
+            p(f"Top functions by self instructions per pass ({fmt(k['items'])} items):")
             p("")
             p("| Ir/pass | function |")
             p("|---|---|")

@@ -35,11 +35,13 @@ uint64_t Limit() {
 uint64_t Openssl() {
   const SplitInput& in = In().w2;
   const unsigned char* p = in.element.data();
-  STACK_OF(ASN1_TYPE)* items = d2i_ASN1_SEQUENCE_ANY(nullptr, &p, static_cast<long>(in.element.size()));
+  STACK_OF(ASN1_TYPE)* items =
+      d2i_ASN1_SEQUENCE_ANY(nullptr, &p, static_cast<long>(in.element.size()));
   if (!items) return 0;
   const int n = sk_ASN1_TYPE_num(items);
   uint64_t sum = uint64_t(n) << 32;
-  for (int i = 0; i < n; ++i) sum += static_cast<unsigned>(ASN1_TYPE_get(sk_ASN1_TYPE_value(items, i)));
+  for (int i = 0; i < n; ++i)
+    sum += static_cast<unsigned>(ASN1_TYPE_get(sk_ASN1_TYPE_value(items, i)));
   sk_ASN1_TYPE_pop_free(items, ASN1_TYPE_free);
   return sum;
 }

@@ -182,8 +182,7 @@ void RegisterTree() {
   AddOp("W3_tree_walk", "openssl_walk", OverCerts<OpensslWalk>, &in.w3_elements, certs, bytes,
         false);
   AddOp("W3_tree_walk", "libtasn1_walk", Libtasn1Walk, &in.w3_elements, certs, bytes, false);
-  AddOp("W3_tree_walk", "keyasn_walk", OverCerts<KeyasnWalk>, &in.w3_elements, certs, bytes,
-        true);
+  AddOp("W3_tree_walk", "keyasn_walk", OverCerts<KeyasnWalk>, &in.w3_elements, certs, bytes, true);
   AddOp("W3_tree_decode", "openssl_d2i", OpensslD2i, &in.w3_certs, certs, bytes, false);
   AddOp("W3_tree_decode", "mbedtls_x509", MbedtlsX509, &in.w3_certs, certs, bytes, false);
   AddOp("W3_tree_decode", "botan_x509", BotanX509, &in.w3_certs, certs, bytes, false);

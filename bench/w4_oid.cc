@@ -96,9 +96,8 @@ uint64_t KeyasnEnc() {
   ASNT_ASN_STRUCT_INFO info{};
   info.Tag = 6;
   for (const std::string& s : In().oids) {
-    const IdentObj tlv = ASNTLowEncodeData(
-        info, reinterpret_cast<const unsigned char*>(s.data()), static_cast<unsigned int>(s.size()),
-        nullptr);
+    const IdentObj tlv = ASNTLowEncodeData(info, reinterpret_cast<const unsigned char*>(s.data()),
+                                           static_cast<unsigned int>(s.size()), nullptr);
     if (tlv.Count() < 3) return 0;
     h = Fnv1a(h, tlv.GetData() + 2, tlv.Count() - 2);
   }

@@ -30,7 +30,8 @@ int WriteExplicitOctets(unsigned char** p, unsigned char* start, int tag, const 
   if (hdr < 0) return hdr;
   len += hdr;
   const int t = mbedtls_asn1_write_tag(
-      p, start, static_cast<unsigned char>(MBEDTLS_ASN1_CONTEXT_SPECIFIC | MBEDTLS_ASN1_CONSTRUCTED | tag));
+      p, start,
+      static_cast<unsigned char>(MBEDTLS_ASN1_CONTEXT_SPECIFIC | MBEDTLS_ASN1_CONSTRUCTED | tag));
   return t < 0 ? t : len + t;
 }
 
@@ -39,7 +40,8 @@ int WrapExplicit(unsigned char** p, unsigned char* start, int tag, int len) {
   const int hdr = mbedtls_asn1_write_len(p, start, static_cast<size_t>(len));
   if (hdr < 0) return hdr;
   const int t = mbedtls_asn1_write_tag(
-      p, start, static_cast<unsigned char>(MBEDTLS_ASN1_CONTEXT_SPECIFIC | MBEDTLS_ASN1_CONSTRUCTED | tag));
+      p, start,
+      static_cast<unsigned char>(MBEDTLS_ASN1_CONTEXT_SPECIFIC | MBEDTLS_ASN1_CONSTRUCTED | tag));
   return t < 0 ? t : len + hdr + t;
 }
 
@@ -49,7 +51,7 @@ uint64_t MbedtlsEnc() {
   unsigned char* const end = buf + sizeof buf;
   unsigned char* p = end;
   int len = 0, n;
-#define KI_TRY(expr) \
+#define KI_TRY(expr)              \
   if ((n = (expr)) < 0) return 0; \
   len += n
   // [7] BIT STRING
@@ -77,8 +79,8 @@ uint64_t MbedtlsEnc() {
   KI_TRY(WriteExplicitOctets(&p, buf, 2, in.ki_o2));
   KI_TRY(WriteExplicitOctets(&p, buf, 1, in.ki_o1));
   n = mbedtls_asn1_write_algorithm_identifier(
-      &p, buf, reinterpret_cast<const char*>(in.ki_oid_contents.data()),
-      in.ki_oid_contents.size(), 0);
+      &p, buf, reinterpret_cast<const char*>(in.ki_oid_contents.data()), in.ki_oid_contents.size(),
+      0);
   KI_TRY(WrapExplicit(&p, buf, 0, n));
   KI_TRY(mbedtls_asn1_write_int(&p, buf, static_cast<int>(in.ki_number)));
   KI_TRY(mbedtls_asn1_write_int(&p, buf, static_cast<int>(in.ki_flags)));
@@ -102,7 +104,8 @@ uint64_t MbedtlsDec() {
   unsigned char* p = const_cast<unsigned char*>(der.data());
   unsigned char* end = p + der.size();
   size_t len = 0;
-  if (mbedtls_asn1_get_tag(&p, end, &len, MBEDTLS_ASN1_CONSTRUCTED | MBEDTLS_ASN1_SEQUENCE)) return 0;
+  if (mbedtls_asn1_get_tag(&p, end, &len, MBEDTLS_ASN1_CONSTRUCTED | MBEDTLS_ASN1_SEQUENCE))
+    return 0;
   end = p + len;
   if (mbedtls_asn1_get_int(&p, end, &ki.flags) || mbedtls_asn1_get_int(&p, end, &ki.number))
     return 0;
@@ -120,7 +123,8 @@ uint64_t MbedtlsDec() {
         if (mbedtls_asn1_get_alg(&q, qend, &ki.alg, &ki.params)) return 0;
         break;
       case 6:
-        if (mbedtls_asn1_get_tag(&q, qend, &inner, MBEDTLS_ASN1_CONSTRUCTED | MBEDTLS_ASN1_SEQUENCE))
+        if (mbedtls_asn1_get_tag(&q, qend, &inner,
+                                 MBEDTLS_ASN1_CONSTRUCTED | MBEDTLS_ASN1_SEQUENCE))
           return 0;
         if (mbedtls_asn1_get_tag(&q, qend, &ki.from.len, MBEDTLS_ASN1_UTC_TIME)) return 0;
         ki.from.p = q;
@@ -133,7 +137,8 @@ uint64_t MbedtlsDec() {
         break;
       default:
         if (tag > 9) break;
-        if (mbedtls_asn1_get_tag(&q, qend, &ki.octets[tag].len, MBEDTLS_ASN1_OCTET_STRING)) return 0;
+        if (mbedtls_asn1_get_tag(&q, qend, &ki.octets[tag].len, MBEDTLS_ASN1_OCTET_STRING))
+          return 0;
         ki.octets[tag].p = q;
         break;
     }
@@ -190,12 +195,21 @@ uint64_t BotanEnc() {
   enc.start_explicit(0).encode(ki.alg).end_explicit();
   for (int t = 1; t <= 5; ++t)
     if (!ki.octets[t].empty())
-      enc.start_explicit(static_cast<uint16_t>(t)).encode(ki.octets[t], Botan::OCTET_STRING).end_explicit();
-  enc.start_explicit(6).start_cons(Botan::SEQUENCE).encode(ki.from).encode(ki.to).end_cons().end_explicit();
+      enc.start_explicit(static_cast<uint16_t>(t))
+          .encode(ki.octets[t], Botan::OCTET_STRING)
+          .end_explicit();
+  enc.start_explicit(6)
+      .start_cons(Botan::SEQUENCE)
+      .encode(ki.from)
+      .encode(ki.to)
+      .end_cons()
+      .end_explicit();
   enc.start_explicit(7).encode(ki.bits, Botan::BIT_STRING).end_explicit();
   for (int t = 8; t <= 9; ++t)
     if (!ki.octets[t].empty())
-      enc.start_explicit(static_cast<uint16_t>(t)).encode(ki.octets[t], Botan::OCTET_STRING).end_explicit();
+      enc.start_explicit(static_cast<uint16_t>(t))
+          .encode(ki.octets[t], Botan::OCTET_STRING)
+          .end_explicit();
   enc.end_cons();
   return Fnv1a(kFnvBasis, out.data(), out.size());
 }
@@ -242,14 +256,15 @@ const ASNKeyInfo& KeyasnFilled() {
     ASNKeyInfo k;
     k.Flags = in.ki_flags;
     k.Number = in.ki_number;
-    k.AlgorithmId.SetObjID(IdentObj(in.ki_oid_contents.data(),
-                                    static_cast<unsigned int>(in.ki_oid_contents.size())));
+    k.AlgorithmId.SetObjID(
+        IdentObj(in.ki_oid_contents.data(), static_cast<unsigned int>(in.ki_oid_contents.size())));
     k.Octets1.Assign(in.ki_o1.data(), static_cast<unsigned int>(in.ki_o1.size()));
     k.Octets2.Assign(in.ki_o2.data(), static_cast<unsigned int>(in.ki_o2.size()));
     k.Octets3.Assign(in.ki_o3.data(), static_cast<unsigned int>(in.ki_o3.size()));
     k.Validity.SetTime(CRUVFileTime(static_cast<unsigned long>(in.ki_from_ticks)),
                        CRUVFileTime(static_cast<unsigned long>(in.ki_to_ticks)));
-    k.KeyBits = CRUVCryptBitBlob(in.ki_bits.data(), static_cast<unsigned int>(in.ki_bits.size()), 0);
+    k.KeyBits =
+        CRUVCryptBitBlob(in.ki_bits.data(), static_cast<unsigned int>(in.ki_bits.size()), 0);
     return k;
   }();
   return ki;
@@ -312,10 +327,12 @@ void RegisterKeyInfo() {
   a.from = v.from;
   a.to = v.to;
   ki_asn1c_fill(&a);
-  AddOp("W6_keyinfo_enc", "asn1c", [] { return ki_asn1c_encode(); }, &in.w6_enc, 1, 0, false);
-  AddOp("W6_keyinfo_dec", "asn1c",
-        [] { return ki_asn1c_decode(In().w6_der.data(), In().w6_der.size()); }, &in.w6_dec, 1, 0,
-        false);
+  AddOp(
+      "W6_keyinfo_enc", "asn1c", [] { return ki_asn1c_encode(); }, &in.w6_enc, 1, 0, false);
+  AddOp(
+      "W6_keyinfo_dec", "asn1c",
+      [] { return ki_asn1c_decode(In().w6_der.data(), In().w6_der.size()); }, &in.w6_dec, 1, 0,
+      false);
 #endif
   AddOp("W6_keyinfo_enc", "openssl", OpensslEnc, &in.w6_enc, 1, 0, false);
   AddOp("W6_keyinfo_enc", "mbedtls", MbedtlsEnc, &in.w6_enc, 1, 0, false);

@@ -15,10 +15,6 @@ constexpr unsigned char kConstructedBit = 0x20;
 constexpr unsigned char kIndefiniteLength = 0x80;
 constexpr unsigned int kMaxLongFormOctets = 8;
 
-}  // namespace
-
-namespace {
-
 inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned int tag,
                       unsigned int length, const unsigned char* contents) {
   // Class and Constructed are adjacent octets: one 16-bit store (little-endian).
@@ -36,8 +32,10 @@ inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned 
 // The length octets from `lead` on (the long and indefinite forms); `pos` is the
 // offset just behind `lead`. Kept out of line so that the common one-octet
 // identifier with a short length needs no stack frame.
-__attribute__((noinline)) int ParseLongLength(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size,
-                    unsigned int pos, unsigned char first, unsigned int tag, unsigned char lead) {
+__attribute__((noinline)) int ParseLongLength(ASNT_ASN_STRUCT_INFO& info,
+                                              const unsigned char* data, unsigned int size,
+                                              unsigned int pos, unsigned char first,
+                                              unsigned int tag, unsigned char lead) {
   if (lead == kIndefiniteLength) {
     if (first & kConstructedBit) {
       SetHeader(info, first, tag, 0xFFFFFFFFu, data + pos);
@@ -65,10 +63,6 @@ __attribute__((noinline)) int ParseLongLength(ASNT_ASN_STRUCT_INFO& info, const 
   info.Contents = data + pos;
   return keyasn::kOk;
 }
-
-}  // namespace
-
-namespace {
 
 // A header whose identifier carries a high tag number (0x1F form).
 __attribute__((noinline)) int ParseHighTagHeader(ASNT_ASN_STRUCT_INFO& info,
