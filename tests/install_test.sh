@@ -20,6 +20,12 @@ for h in $(cd "$prefix/include" && find keyasn -name '*.h'); do
   echo "#include <$h>" | c++ -std=c++17 -fsyntax-only -I"$prefix/include" -x c++ - \
     || { echo "header does not stand alone: $h"; exit 1; }
 done
+# The tool, when built, is installed to bin/ and finds the library without help.
+if [ -x "$build/tools/keyasn" ]; then
+  [ -x "$prefix/bin/keyasn" ] || { echo "not installed: bin/keyasn"; exit 1; }
+  "$prefix/bin/keyasn" --version | grep -q '^keyasn ' || { echo "bin/keyasn --version fails"; exit 1; }
+  "$prefix/bin/keyasn" show > /dev/null || { echo "bin/keyasn show fails"; exit 1; }
+fi
 # 1. pkg-config
 flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs keyasn)
 c++ -std=c++17 "$consumer/main.cc" -o "$work/consumer_pc" $flags

@@ -103,8 +103,20 @@ int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
     }
     View view;
     type->show(der, &view);
+    const Json json = view.ToJson();
+    // Say so when encode would not give these octets back (forms the library
+    // reads but does not write, such as legacy members).
+    std::string note;
+    try {
+      if (type->encode(JsonIn(json, "")) != der) {
+        note = "encode --as " + type_name +
+               " of this JSON gives other octets: the input is not in the form the library writes";
+      }
+    } catch (const ToolError& e) {
+      note = "encode --as " + type_name + " of this JSON fails: " + e.what();
+    }
     if (request.json) {
-      out << view.ToJson().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+      out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     } else {
       out << "# " << type->structure << " (" << type->name << ") from " << name << '\n'
           << view.ToText(request.full);
@@ -114,6 +126,7 @@ int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
       Report(err, name, "cannot write the output");
       return kExitIo;
     }
+    if (!note.empty()) Report(err, name, "note: " + note);
     return kExitOk;
   } catch (const ToolError& e) {
     Report(err, name, e.what());

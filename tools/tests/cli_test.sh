@@ -126,6 +126,23 @@ done
 run 2 show --as keyinfo samples/validity.der && err_has "keyasn: samples/validity.der: cannot read the key description: ASNKeyInfo::ReadData"
 run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (malformed or truncated data)"
 
+# Forms the library reads but writes otherwise: members it holds encoded are
+# kept as they stand, so the round trip still gives the octets back; a structure
+# it rebuilds says so.
+echo "30 22 80 0F 32303234303130313030303030305A 81 0F 32303439313233313233353935395A" > "$work/tagged.hex"
+run 0 show --as validity "$work/tagged.hex" && {
+  out_has "From: 2024-01-01T00:00:00Z"; out_has "To: 2049-12-31T23:59:59Z"; out_has "Encoded: "; [ ! -s "$work/err" ] || fail "note for a kept encoding"
+}
+run 0 show --as validity --json "$work/tagged.hex" && cp "$work/out" "$work/tagged.json"
+run 0 encode --as validity --outform hex "$work/tagged.json" && out_has "3022800F"
+echo "30 10 02 01 03 30 0B 02 01 00 02 01 00 A1 03 02 01 05" > "$work/legacy.hex"
+run 0 show --as container "$work/legacy.hex" && { out_has "Octets1: 05000000000000000000000000000000 (16 octets)"; out_has "Encoded: 300B"; }
+run 0 show --as container --json "$work/legacy.hex" && cp "$work/out" "$work/legacy.json"
+run 0 encode --as container --outform hex "$work/legacy.json" && out_has "30100201033"
+echo "30 0B 02 01 00 02 01 00 A1 03 02 01 05" > "$work/legacy-key.hex"
+run 0 show --as keyinfo "$work/legacy-key.hex" && \
+  err_is "keyasn: $work/legacy-key.hex: note: encode --as keyinfo of this JSON gives other octets: the input is not in the form the library writes"
+
 # Malformed JSON for encode: exit 2, the member named.
 echo '{"Version": 3,' > "$work/broken.json"
 run 2 encode --as container "$work/broken.json" && err_has "keyasn: $work/broken.json: not JSON: "
