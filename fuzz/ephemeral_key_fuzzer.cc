@@ -1,0 +1,20 @@
+// CASNEphemeralKeyInfo: read through the unit reader, written, read and written
+// again.
+#include "fuzz/fuzz_support.h"
+#include "fuzz/structure_check.h"
+#include "keyasn/keys/ephemeral_key.h"
+
+KEYASN_FUZZ_TARGET(ephemeral_key) {
+  keyasn_fuzz::CheckStable<CASNEphemeralKeyInfo>(
+      data, size, [] { return CASNEphemeralKeyInfo(); },
+      [](CASNEphemeralKeyInfo& info, const uint8_t* d, unsigned int s) {
+        KEYASN_FUZZ_CHECK(info.ReadData(d, s) <= s);
+        return 0;
+      },
+      [](const CASNEphemeralKeyInfo& info) { return info.WriteData(); });
+  // A second read over a filled structure, and writing whatever it kept.
+  CASNEphemeralKeyInfo info;
+  (void)keyasn_fuzz::Guard([&] { info.ReadData(data, keyasn_fuzz::Size32(size)); });
+  (void)keyasn_fuzz::Guard([&] { info.ReadData(data, keyasn_fuzz::Size32(size)); });
+  (void)keyasn_fuzz::Guard([&] { (void)info.WriteData(); });
+}
