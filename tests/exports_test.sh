@@ -19,7 +19,10 @@ if [ -n "$bad" ]; then
   echo "unexpected exported symbols:"; printf '%s\n' "$bad"; exit 1
 fi
 for need in 'IdentObj::GetSize() const' 'XRUVStatus::XRUVStatus(int, char const*, bool)' \
-            'FileTimeToSystemTime(FILETIME const*, SYSTEMTIME*)'; do
+            'FileTimeToSystemTime(FILETIME const*, SYSTEMTIME*)' \
+            'operator==(IdentObj const&, IdentObj const&)' \
+            'operator!=(IdentObj const&, IdentObj const&)' \
+            'operator<(IdentObj const&, IdentObj const&)'; do
   printf '%s\n' "$syms" | grep -q -F "$need" || { echo "missing export: $need"; exit 1; }
 done
 echo "exports ok: $(printf '%s\n' "$syms" | wc -l) symbols"

@@ -11,9 +11,27 @@ int main() {
   } catch (const XRUVStatus& e) {
     if (e.Status() != 206 || copy.GetSize() != 5) return 1;
   }
+  // The free comparison operators of IdentObj are part of the interface too.
+  const IdentObj same(der, sizeof der), shorter(der, 2);
+  if (!(copy == same) || copy != same || !(shorter < copy)) {
+    std::puts("IdentObj comparison failed");
+    return 1;
+  }
   ASNT_ASN_STRUCT_INFO info;
   if (ASNTGetAsnInfo(info, der, sizeof der) != 0 || info.Tag != 16 || info.Length != 3 ||
       info.Contents != der + 2)
+    return 1;
+  // One class of each layer: a record, the typed-value helpers, a key structure.
+  CASNTBaseRecord record;
+  int error = -1;
+  if (record.ReadData(der, sizeof der, &error) != sizeof der || error != 0) return 1;
+  if (DerHelper::DecodeInteger(DerHelper::EncodeInteger(300)) != 300) return 1;
+  ASNKeyInfo keyInfo;
+  keyInfo.Flags = 5;
+  const IdentObj encodedKeyInfo = keyInfo.WriteData(&error);
+  ASNKeyInfo readBack;
+  if (error != 0 || readBack.ReadData(encodedKeyInfo.GetData(), encodedKeyInfo.GetSize(), &error) == 0 ||
+      error != 0 || readBack.Flags != 5)
     return 1;
   std::puts("consumer: ok");
   return 0;
