@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

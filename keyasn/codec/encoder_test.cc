@@ -11,7 +11,7 @@
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/oid_text.h"
 #include "keyasn/support/file_time.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/octets.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

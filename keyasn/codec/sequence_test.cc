@@ -9,34 +9,18 @@
 #include "keyasn/record/record_test_util.h"
 #include "keyasn/support/file.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
+using keyasn::testing::AsHex;
+using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::TempFile;
 using keyasn::testing::ToHex;
 
-using Bytes = std::vector<unsigned char>;
-
-std::vector<std::string> AsHex(const std::list<IdentObj>& items) {
-  std::vector<std::string> out;
-  for (const IdentObj& item : items) out.push_back(ToHex(item));
-  return out;
-}
-
-template <typename Op>
-void ExpectStatus(Op op, int code, const std::string& where) {
-  try {
-    op();
-    ADD_FAILURE() << "no XRUVStatus thrown";
-  } catch (const XRUVStatus& status) {
-    EXPECT_EQ(status.Status(), code);
-    EXPECT_EQ(std::string(status.Where()), where);
-    EXPECT_FALSE(status.Flag());
-  }
-}
 
 // ---------------------------------------------------------------------------
 // Splitting contents.
@@ -88,7 +72,7 @@ TEST(GetSequenceContents, Rows) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     std::list<IdentObj> items{Hex("01 01 00")};  // cleared first
     EXPECT_EQ(ASNTGetSequence(items, bytes.data(), static_cast<unsigned int>(bytes.size())),
               row.code);
@@ -110,17 +94,17 @@ TEST(GetSequenceContents, EmptyAndNull) {
 }
 
 TEST(GetSequenceContents, NeverThrows) {
-  const Bytes bytes = HexBytes("30 80 02 01 05 1F 81");
+  const Octets bytes = HexBytes("30 80 02 01 05 1F 81");
   std::list<IdentObj> items;
   EXPECT_NO_THROW(ASNTGetSequence(items, bytes.data(), static_cast<unsigned int>(bytes.size())));
 }
 
 TEST(GetSequenceContents, EveryPrefixFromExactHeapBuffer) {
-  Bytes data = HexBytes("02 01 05 30 80 30 80 04 02 41 42 00 00 00 00 04 81 80");
+  Octets data = HexBytes("02 01 05 30 80 30 80 04 02 41 42 00 00 00 00 04 81 80");
   data.insert(data.end(), 128, 0x41);
   for (size_t n = 0; n <= data.size(); ++n) {
     SCOPED_TRACE(n);
-    Bytes prefix(data.begin(), data.begin() + n);
+    Octets prefix(data.begin(), data.begin() + n);
     std::list<IdentObj> items;
     const int code =
         ASNTGetSequence(items, prefix.empty() ? nullptr : prefix.data(), static_cast<unsigned int>(n));
@@ -191,7 +175,7 @@ TEST(GetSequenceElement, Rows) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     std::list<IdentObj> items;
     int error = -1;
     EXPECT_EQ(ASNTGetSequence(items, bytes.data(), static_cast<unsigned int>(bytes.size()), &error),
@@ -212,7 +196,7 @@ TEST(GetSequenceElement, Rows) {
 TEST(GetSequenceElement, WrongEndOfContents) {
   // 30 80 02 01 05 00 01: measured up to the 00 that looks like an end; the item
   // behind it (00 01 ...) is then cut by the data.
-  const Bytes bytes = HexBytes("30 80 02 01 05 00 01");
+  const Octets bytes = HexBytes("30 80 02 01 05 00 01");
   std::list<IdentObj> items;
   int error = -1;
   const unsigned int result =
@@ -223,13 +207,13 @@ TEST(GetSequenceElement, WrongEndOfContents) {
 }
 
 TEST(GetSequenceElement, AppendsWithoutClearing) {
-  const Bytes bytes = HexBytes("30 03 02 01 05");
+  const Octets bytes = HexBytes("30 03 02 01 05");
   std::list<IdentObj> items{Hex("01 01 00")};
   int error = -1;
   EXPECT_EQ(ASNTGetSequence(items, bytes.data(), 5, &error), 5u);
   EXPECT_EQ(AsHex(items), (std::vector<std::string>{"01 01 00", "02 01 05"}));
   // Failures keep what was appended before them.
-  const Bytes bad = HexBytes("30 06 02 01 05 02 05 01");
+  const Octets bad = HexBytes("30 06 02 01 05 02 05 01");
   EXPECT_EQ(ASNTGetSequence(items, bad.data(), static_cast<unsigned int>(bad.size()), &error), 5u);
   EXPECT_EQ(error, keyasn::kErrMalformed);
   EXPECT_EQ(items.size(), 3u);
@@ -248,18 +232,18 @@ TEST(GetSequenceElement, ItemSizesAgreeWithTheContentsSplitter) {
   const std::string inner =
       "30 80 31 80 02 01 05 00 00 04 01 41 00 00 30 80 30 80 30 80 05 00 00 00 00 00 00 00 02 01 07";
   std::list<IdentObj> fromContents;
-  const Bytes contents = HexBytes(inner);
+  const Octets contents = HexBytes(inner);
   ASSERT_EQ(ASNTGetSequence(fromContents, contents.data(), static_cast<unsigned int>(contents.size())),
             0);
   ASSERT_EQ(fromContents.size(), 3u);
-  Bytes definite = HexBytes("30");
+  Octets definite = HexBytes("30");
   definite.push_back(static_cast<unsigned char>(contents.size()));
   definite.insert(definite.end(), contents.begin(), contents.end());
-  Bytes indefinite = HexBytes("30 80");
+  Octets indefinite = HexBytes("30 80");
   indefinite.insert(indefinite.end(), contents.begin(), contents.end());
   indefinite.push_back(0);
   indefinite.push_back(0);
-  for (const Bytes* element : {&definite, &indefinite}) {
+  for (const Octets* element : {&definite, &indefinite}) {
     std::list<IdentObj> items;
     int error = -1;
     EXPECT_EQ(ASNTGetSequence(items, element->data(), static_cast<unsigned int>(element->size()),
@@ -273,10 +257,10 @@ TEST(GetSequenceElement, ItemSizesAgreeWithTheContentsSplitter) {
 TEST(GetSequenceElement, EveryPrefixFromExactHeapBuffer) {
   for (const char* hex : {"30 80 30 80 02 01 05 00 00 04 02 41 42 00 00",
                           "30 0C 30 80 02 01 05 00 00 04 03 41 42 43"}) {
-    const Bytes whole = HexBytes(hex);
+    const Octets whole = HexBytes(hex);
     for (size_t n = 0; n < whole.size(); ++n) {
       SCOPED_TRACE(n);
-      Bytes prefix(whole.begin(), whole.begin() + n);
+      Octets prefix(whole.begin(), whole.begin() + n);
       std::list<IdentObj> items;
       int error = 0;
       const unsigned int result = ASNTGetSequence(
@@ -295,7 +279,7 @@ TEST(GetSequenceElement, EveryPrefixFromExactHeapBuffer) {
 
 TEST(GetSequenceElement, DeepNestingFinishes) {
   const size_t levels = 1000000;
-  Bytes open;
+  Octets open;
   for (size_t i = 0; i < levels; ++i) {
     open.push_back(0x30);
     open.push_back(0x80);
@@ -305,7 +289,7 @@ TEST(GetSequenceElement, DeepNestingFinishes) {
   ASNTGetSequence(items, open.data(), static_cast<unsigned int>(open.size()), &error);
   EXPECT_EQ(error, keyasn::kErrMalformed);
   // Closed, with a NULL innermost: one item, the whole second level.
-  Bytes closed(open);
+  Octets closed(open);
   closed.push_back(0x05);
   closed.push_back(0x00);
   closed.insert(closed.end(), levels * 2, 0x00);
@@ -385,7 +369,7 @@ TEST(PutSequence, Items) {
 }
 
 TEST(PutSequence, LongItems) {
-  Bytes big = HexBytes("04 81 C8");
+  Octets big = HexBytes("04 81 C8");
   big.insert(big.end(), 200, 0x41);
   const std::list<IdentObj> items{IdentObj(big.data(), static_cast<unsigned int>(big.size())),
                                   Hex("05 00")};

@@ -1,4 +1,5 @@
-// Helpers shared by the DerHelper tests. Used by the *_test.cc files only.
+// Helpers for the DerHelper tests: Windows-1251 place texts and locales. Used by
+// the *_test.cc files only.
 #ifndef KEYASN_DER_DER_TEST_UTIL_H_
 #define KEYASN_DER_DER_TEST_UTIL_H_
 
@@ -7,11 +8,8 @@
 #include <clocale>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
-#include "keyasn/support/ident_obj.h"
-#include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace keyasn {
 namespace testing {
@@ -37,25 +35,6 @@ inline std::string Cp1251(const std::string& utf8) {
 // Place(operation, phrase) is "<operation>: <phrase in Windows-1251>".
 inline std::string Place(const std::string& operation, const std::string& phrase) {
   return operation + ": " + Cp1251(phrase);
-}
-
-// ExpectStatus runs `call` and expects XRUVStatus(code, where, false) from it.
-template <typename Call>
-void ExpectStatus(Call&& call, int code, const std::string& where) {
-  try {
-    call();
-    ADD_FAILURE() << "no XRUVStatus raised; expected " << code << " at " << where;
-  } catch (const XRUVStatus& e) {
-    EXPECT_EQ(e.Status(), code);
-    EXPECT_EQ(std::string(e.Where()), where);
-    EXPECT_FALSE(e.Flag());
-  }
-}
-
-// Exact copies the octets into a heap buffer of exactly that size, so that the
-// address sanitizer sees any read beyond it.
-inline IdentObj Exact(const std::vector<unsigned char>& octets, std::size_t count) {
-  return IdentObj(count ? octets.data() : nullptr, static_cast<unsigned int>(count));
 }
 
 // LocaleScope selects an LC_CTYPE locale for one test and restores the previous

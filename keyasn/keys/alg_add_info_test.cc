@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

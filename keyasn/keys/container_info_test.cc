@@ -10,10 +10,9 @@
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
-#include "keyasn/keys/test_util.h"
 #include "keyasn/support/file_time.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
@@ -21,16 +20,12 @@ using keyasn::testing::Bytes;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
 using keyasn::testing::Raised;
+using keyasn::testing::ReadHex;
 using keyasn::testing::TempFile;
 using keyasn::testing::ToHex;
 
 constexpr int kUntouched = -12345;
 constexpr unsigned int kAny = ~0u;  // a count the split decides
-
-unsigned int Read(ASNContainerInfo& info, const std::string& hex, int* err) {
-  const std::vector<unsigned char> input = HexBytes(hex);  // exactly sized
-  return info.ReadData(input.data(), static_cast<unsigned int>(input.size()), err);
-}
 
 TEST(ASNContainerInfo, DefaultWritesTheVersionOnly) {
   const ASNContainerInfo info;
@@ -119,7 +114,7 @@ TEST(ASNContainerInfo, ReadsByPosition) {
     SCOPED_TRACE(row.name);
     ASNContainerInfo info;
     int err = kUntouched;
-    EXPECT_EQ(Read(info, row.input, &err), row.result);
+    EXPECT_EQ(ReadHex(info, row.input, &err), row.result);
     EXPECT_EQ(err, 0);
     EXPECT_EQ(info.Version, row.version);
     EXPECT_EQ(ToHex(info.KeyInfo), ToHex(Hex(row.keyInfo)));
@@ -144,12 +139,12 @@ TEST(ASNContainerInfo, EmptyInputReadsAsNothing) {
 
 TEST(ASNContainerInfo, Optional1KeptAcrossReads) {
   ASNContainerInfo info;
-  Read(info, "30 0D 02 01 03 30 00 30 00 A1 04 04 02 CA FE", nullptr);
+  ReadHex(info, "30 0D 02 01 03 30 00 30 00 A1 04 04 02 CA FE", nullptr);
   EXPECT_EQ(ToHex(info.Optional1), "CA FE");
-  Read(info, "30 07 02 01 04 30 00 30 00", nullptr);
+  ReadHex(info, "30 07 02 01 04 30 00 30 00", nullptr);
   EXPECT_EQ(info.Version, 4u);
   EXPECT_EQ(ToHex(info.Optional1), "CA FE");  // kept: not reset by a read
-  Read(info, "30 0C 02 01 03 30 00 30 00 A1 03 04 01 01", nullptr);
+  ReadHex(info, "30 0C 02 01 03 30 00 30 00 A1 03 04 01 01", nullptr);
   EXPECT_EQ(ToHex(info.Optional1), "01");
 }
 
@@ -174,14 +169,14 @@ TEST(ASNContainerInfo, ReadFailures) {
     SCOPED_TRACE(row.name);
     ASNContainerInfo info;
     int err = kUntouched;
-    const unsigned int result = Read(info, row.input, &err);
+    const unsigned int result = ReadHex(info, row.input, &err);
     EXPECT_EQ(err, row.code);
     if (row.result != kAny) {
       EXPECT_EQ(result, row.result);
     }
     // Without an error pointer the reader reports under the writer's name (kept).
     ASNContainerInfo thrown;
-    const auto failure = Raised([&] { Read(thrown, row.input, nullptr); });
+    const auto failure = Raised([&] { ReadHex(thrown, row.input, nullptr); });
     EXPECT_EQ(failure.code, row.code);
     EXPECT_EQ(failure.where, "ASNContainerInfo::WriteData");
   }
@@ -191,7 +186,7 @@ TEST(ASNContainerInfo, FailedReadKeepsWhatItRead) {
   ASNContainerInfo info;
   info.Optional1 = Hex("77");
   int err = 0;
-  Read(info, "30 12 02 01 05 30 00 30 00 A0 02 05 00 A1 03 04 01 01 04 00", &err);
+  ReadHex(info, "30 12 02 01 05 30 00 30 00 A0 02 05 00 A1 03 04 01 01 04 00", &err);
   EXPECT_EQ(err, keyasn::kErrMalformed);
   EXPECT_EQ(info.Version, 5u);
   EXPECT_EQ(ToHex(info.KeyInfo), "30 00");
@@ -201,7 +196,7 @@ TEST(ASNContainerInfo, FailedReadKeepsWhatItRead) {
 
   // A version that fails leaves the reset value.
   info.Version = 9;
-  Read(info, "30 07 02 05 01 02 03 04 05", &err);
+  ReadHex(info, "30 07 02 05 01 02 03 04 05", &err);
   EXPECT_EQ(err, keyasn::kErrMalformed);
   EXPECT_EQ(info.Version, 0u);
 }
@@ -212,7 +207,7 @@ TEST(ASNContainerInfo, InnerFailureOfTheSecondOptionalIsRaised) {
   ASNContainerInfo info;
   int err = kUntouched;
   const auto failure =
-      Raised([&] { Read(info, "30 0B 02 01 03 30 00 30 00 A1 02 04 05", &err); });
+      Raised([&] { ReadHex(info, "30 0B 02 01 03 30 00 30 00 A1 02 04 05", &err); });
   EXPECT_EQ(failure.code, keyasn::kErrTooShort);
   EXPECT_EQ(failure.where, "CASNTBaseRecord::ReadASNInfo");
   EXPECT_EQ(err, kUntouched);

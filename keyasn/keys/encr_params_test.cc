@@ -11,18 +11,17 @@
 
 #include <unistd.h>
 
-#include "keyasn/keys/test_key_helpers.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
 using keyasn::testing::Cat;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::Size;
 using keyasn::testing::Tlv;
 using keyasn::testing::ToHex;
-using Octets = std::vector<unsigned char>;
 
 constexpr char kErrorLine[] = "CASNEncrParams- Error write data \n";
 

@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "keyasn/keys/test_key_helpers.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
@@ -16,10 +15,10 @@ using keyasn::testing::Cat;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::Size;
 using keyasn::testing::Tlv;
 using keyasn::testing::ToHex;
-using Octets = std::vector<unsigned char>;
 
 constexpr char kRead[] = "CASNEphemeralKeyInfo::ReadData";
 constexpr char kUnitRead[] = "CASNTUnit::Read";

@@ -6,10 +6,9 @@
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
-#include "keyasn/keys/test_util.h"
 #include "keyasn/support/file.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

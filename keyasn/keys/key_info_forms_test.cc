@@ -9,7 +9,7 @@
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/keys/key_info.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

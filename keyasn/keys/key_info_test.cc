@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
-#include "keyasn/keys/test_util.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
@@ -16,14 +15,10 @@ using keyasn::testing::Bytes;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
 using keyasn::testing::Raised;
+using keyasn::testing::ReadHex;
 using keyasn::testing::ToHex;
 
 constexpr int kUntouched = -12345;
-
-unsigned int Read(ASNKeyInfo& info, const std::string& hex, int* err) {
-  const std::vector<unsigned char> input = HexBytes(hex);  // exactly sized
-  return info.ReadData(input.data(), static_cast<unsigned int>(input.size()), err);
-}
 
 // A key info with every member set, and its encoding.
 ASNKeyInfo Full() {
@@ -76,7 +71,7 @@ TEST(ASNKeyInfo, DefaultWritesTwoIntegersAndReadsBack) {
   back.Octets8.Empty();
   back.Octets9.Empty();
   err = kUntouched;
-  EXPECT_EQ(Read(back, ToHex(encoding), &err), 8u);
+  EXPECT_EQ(ReadHex(back, ToHex(encoding), &err), 8u);
   EXPECT_EQ(err, kUntouched);
   ExpectSame(back, info);
 }
@@ -85,7 +80,7 @@ TEST(ASNKeyInfo, WritesEveryMemberInAscendingTagOrder) {
   const ASNKeyInfo info = Full();
   EXPECT_EQ(ToHex(info.WriteData(nullptr)), ToHex(Hex(kFull)));
   ASNKeyInfo back;
-  EXPECT_EQ(Read(back, kFull, nullptr), 65u);
+  EXPECT_EQ(ReadHex(back, kFull, nullptr), 65u);
   ExpectSame(back, info);
   EXPECT_EQ(ToHex(back.WriteData(nullptr)), ToHex(Hex(kFull)));
 }
@@ -216,7 +211,7 @@ TEST(ASNKeyInfo, ReadsMembers) {
     SCOPED_TRACE(row.name);
     ASNKeyInfo info;
     int err = kUntouched;
-    EXPECT_EQ(Read(info, row.input, &err), row.result);
+    EXPECT_EQ(ReadHex(info, row.input, &err), row.result);
     EXPECT_EQ(err, kUntouched);
     const std::string member = row.member;
     const IdentObj* got = member == "1"   ? &info.Octets1
@@ -234,16 +229,16 @@ TEST(ASNKeyInfo, ReadsMembers) {
 
 TEST(ASNKeyInfo, ReadsBitStringUnusedCount) {
   ASNKeyInfo info;
-  Read(info, "30 0D 02 01 00 02 01 00 A7 05 03 03 05 E0 F0", nullptr);
+  ReadHex(info, "30 0D 02 01 00 02 01 00 A7 05 03 03 05 E0 F0", nullptr);
   EXPECT_EQ(info.KeyBits.GetUnusedBits(), 5u);
-  Read(info, "30 0A 02 01 00 02 01 00 A7 02 03 00", nullptr);
+  ReadHex(info, "30 0A 02 01 00 02 01 00 A7 02 03 00", nullptr);
   EXPECT_EQ(info.KeyBits.Count(), 0u);
   EXPECT_EQ(info.KeyBits.GetUnusedBits(), 0u);
 }
 
 TEST(ASNKeyInfo, ReadsAnyOrder) {
   ASNKeyInfo info;
-  EXPECT_EQ(Read(info,
+  EXPECT_EQ(ReadHex(info,
                  "30 1B 02 01 07 02 01 09 A5 03 04 01 55 A1 03 04 01 11"
                  " A0 09 30 07 06 01 2A 04 02 AB CD",
                  nullptr),
@@ -258,7 +253,7 @@ TEST(ASNKeyInfo, ReadsAnyOrder) {
 
 TEST(ASNKeyInfo, ReadResetsAllButTheLastTwoOctets) {
   ASNKeyInfo info = Full();
-  EXPECT_EQ(Read(info, "30 06 02 01 03 02 01 04", nullptr), 8u);
+  EXPECT_EQ(ReadHex(info, "30 06 02 01 03 02 01 04", nullptr), 8u);
   EXPECT_EQ(info.Flags, 3u);
   EXPECT_EQ(info.Number, 4u);
   EXPECT_EQ(info.AlgorithmId.GetObjID().Count(), 0u);
@@ -271,16 +266,16 @@ TEST(ASNKeyInfo, ReadResetsAllButTheLastTwoOctets) {
   // Octets8 and Octets9 keep their values unless the input carries them (kept).
   EXPECT_EQ(ToHex(info.Octets8), "88");
   EXPECT_EQ(ToHex(info.Octets9), "99");
-  Read(info, "30 0B 02 01 03 02 01 04 A9 03 04 01 01", nullptr);
+  ReadHex(info, "30 0B 02 01 03 02 01 04 A9 03 04 01 01", nullptr);
   EXPECT_EQ(ToHex(info.Octets8), "88");
   EXPECT_EQ(ToHex(info.Octets9), "01");
 }
 
 TEST(ASNKeyInfo, LongIntegersKeepTheirLowFourOctets) {
   ASNKeyInfo info;
-  EXPECT_EQ(Read(info, "30 0A 02 05 01 02 03 04 05 02 01 00", nullptr), 12u);
+  EXPECT_EQ(ReadHex(info, "30 0A 02 05 01 02 03 04 05 02 01 00", nullptr), 12u);
   EXPECT_EQ(info.Flags, 0x02030405u);
-  EXPECT_EQ(Read(info, "30 05 02 00 02 01 01", nullptr), 7u);
+  EXPECT_EQ(ReadHex(info, "30 05 02 00 02 01 01", nullptr), 7u);
   EXPECT_EQ(info.Flags, 0u);  // an empty INTEGER reads as zero
   EXPECT_EQ(info.Number, 1u);
 }
@@ -317,10 +312,10 @@ TEST(ASNKeyInfo, ReadFailures) {
     SCOPED_TRACE(row.name);
     ASNKeyInfo info;
     int err = kUntouched;
-    EXPECT_EQ(Read(info, row.input, &err), row.result);
+    EXPECT_EQ(ReadHex(info, row.input, &err), row.result);
     EXPECT_EQ(err, row.code);
     ASNKeyInfo thrown;
-    const auto failure = Raised([&] { Read(thrown, row.input, nullptr); });
+    const auto failure = Raised([&] { ReadHex(thrown, row.input, nullptr); });
     EXPECT_EQ(failure.code, row.code);
     EXPECT_EQ(failure.where, row.where);
   }
@@ -331,10 +326,10 @@ TEST(ASNKeyInfo, HeaderFailureOfAnItemKeepsItsCode) {
   // octets by the split; its header no longer parses on its own.
   ASNKeyInfo info;
   int err = 0;
-  Read(info, "30 0B 02 01 00 02 01 00 83 80 41 00 00", &err);
+  ReadHex(info, "30 0B 02 01 00 02 01 00 83 80 41 00 00", &err);
   EXPECT_EQ(err, keyasn::kErrMalformed);
   const auto failure =
-      Raised([&] { Read(info, "30 0B 02 01 00 02 01 00 83 80 41 00 00", nullptr); });
+      Raised([&] { ReadHex(info, "30 0B 02 01 00 02 01 00 83 80 41 00 00", nullptr); });
   EXPECT_EQ(failure.code, keyasn::kErrMalformed);
   EXPECT_EQ(failure.where, "ASNKeyInfo::ReadData ASNTGetAsnInfo");
 }
@@ -342,7 +337,7 @@ TEST(ASNKeyInfo, HeaderFailureOfAnItemKeepsItsCode) {
 TEST(ASNKeyInfo, FailedReadKeepsWhatItRead) {
   ASNKeyInfo info;
   int err = 0;
-  EXPECT_EQ(Read(info,
+  EXPECT_EQ(ReadHex(info,
                  "30 13 02 01 07 02 01 09 A3 03 04 01 33 A8 03 04 01 88 04 01 FF", &err),
             21u);
   EXPECT_EQ(err, keyasn::kErrMalformed);
@@ -354,7 +349,7 @@ TEST(ASNKeyInfo, FailedReadKeepsWhatItRead) {
   // Flags is set before the second item fails.
   ASNKeyInfo second;
   second.Number = 77;
-  Read(second, "30 06 02 01 05 04 01 00", &err);
+  ReadHex(second, "30 06 02 01 05 04 01 00", &err);
   EXPECT_EQ(err, keyasn::kErrMalformed);
   EXPECT_EQ(second.Flags, 5u);
   EXPECT_EQ(second.Number, 77u);

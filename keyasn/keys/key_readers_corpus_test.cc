@@ -20,10 +20,11 @@
 #include "keyasn/keys/key_record.h"
 #include "keyasn/keys/public_key_info.h"
 #include "keyasn/support/status.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
-using Octets = std::vector<unsigned char>;
+using keyasn::testing::Octets;
 using Reader = std::function<void(const unsigned char*, unsigned int)>;
 
 struct NamedReader {

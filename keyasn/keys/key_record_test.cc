@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "keyasn/keys/test_key_helpers.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "keyasn/keys/key_record.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 

@@ -17,12 +17,12 @@
 #include "keyasn/codec/decoder.h"
 #include "keyasn/codec/header.h"
 #include "keyasn/codec/sequence.h"
-#include "keyasn/keys/test_key_helpers.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Base64;
 using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
@@ -142,28 +142,6 @@ TEST(CASNPublicKeyInfo, EveryProperPrefixIsRefused) {
 }
 
 // ---- The system's CA certificates, with OpenSSL as the oracle ----
-
-std::vector<unsigned char> Base64(const std::string& text) {
-  std::vector<unsigned char> out;
-  unsigned int acc = 0;
-  int bits = 0;
-  for (char c : text) {
-    int v;
-    if (c >= 'A' && c <= 'Z') v = c - 'A';
-    else if (c >= 'a' && c <= 'z') v = c - 'a' + 26;
-    else if (c >= '0' && c <= '9') v = c - '0' + 52;
-    else if (c == '+') v = 62;
-    else if (c == '/') v = 63;
-    else continue;  // line ends and padding
-    acc = (acc << 6) | static_cast<unsigned int>(v);
-    bits += 6;
-    if (bits >= 8) {
-      bits -= 8;
-      out.push_back(static_cast<unsigned char>(acc >> bits));
-    }
-  }
-  return out;
-}
 
 std::vector<std::vector<unsigned char>> PemCertificates(const std::string& path) {
   std::ifstream in(path);

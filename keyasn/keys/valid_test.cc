@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "keyasn/keys/test_util.h"
 #include "keyasn/keys/time_limit.h"
 #include "keyasn/support/file_time.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
+using keyasn::testing::Base64;
 using keyasn::testing::Hex;
 using keyasn::testing::Raised;
 using keyasn::testing::TempFile;
@@ -232,28 +232,6 @@ TEST(CASNValid, CopyAndAssign) {
 }
 
 // --- Validity periods of real certificates ---------------------------------
-
-std::vector<unsigned char> Base64(const std::string& text) {
-  std::vector<unsigned char> out;
-  unsigned int bits = 0;
-  int count = 0;
-  for (char c : text) {
-    int v;
-    if (c >= 'A' && c <= 'Z') v = c - 'A';
-    else if (c >= 'a' && c <= 'z') v = c - 'a' + 26;
-    else if (c >= '0' && c <= '9') v = c - '0' + 52;
-    else if (c == '+') v = 62;
-    else if (c == '/') v = 63;
-    else continue;
-    bits = (bits << 6) | static_cast<unsigned int>(v);
-    count += 6;
-    if (count >= 8) {
-      count -= 8;
-      out.push_back(static_cast<unsigned char>((bits >> count) & 0xFF));
-    }
-  }
-  return out;
-}
 
 // Tlv reads one definite-length DER header at `pos`; false when it does not fit.
 bool Tlv(const std::vector<unsigned char>& der, size_t pos, size_t end, unsigned char& tag,

@@ -9,32 +9,20 @@
 #include "keyasn/record/record_test_util.h"
 #include "keyasn/support/file.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
+using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::Peek;
 using keyasn::testing::TempFile;
 using keyasn::testing::ToHex;
 
-using Bytes = std::vector<unsigned char>;
 
 constexpr unsigned int kNoPosition = 0xFFFFFFFFu;
-
-// Runs `op`, expecting an XRUVStatus with `code` and `where`.
-template <typename Op>
-void ExpectStatus(Op op, int code, const std::string& where) {
-  try {
-    op();
-    ADD_FAILURE() << "no XRUVStatus thrown";
-  } catch (const XRUVStatus& status) {
-    EXPECT_EQ(status.Status(), code);
-    EXPECT_EQ(std::string(status.Where()), where);
-    EXPECT_FALSE(status.Flag());
-  }
-}
 
 // ---------------------------------------------------------------------------
 // Identifier and length octets.
@@ -212,7 +200,7 @@ TEST(BaseRecordGetRecord, EncodingShorterThanItsLength) {
   for (const char* hex : {"04 05 41", "04 84 FF FF FF FF", "30 80 02 01 05"}) {
     SCOPED_TRACE(hex);
     CASNTBaseRecord record;
-    const Bytes bytes = HexBytes(hex);
+    const Octets bytes = HexBytes(hex);
     ASSERT_EQ(record.SetEncodedEntry(IdentObj(bytes.data(), bytes.size())), 0);
     int error = 0;
     EXPECT_EQ(record.GetRecord(&error).Count(), 0u);
@@ -234,7 +222,7 @@ TEST(BaseRecordGetRecord, NothingToDecode) {
   // A header parsed from a caller's buffer is not followed once that is gone.
   CASNTBaseRecord headerOnly;
   {
-    const Bytes bytes = HexBytes("04 02 41 42");
+    const Octets bytes = HexBytes("04 02 41 42");
     ASSERT_EQ(headerOnly.ReadASNInfo(bytes.data(), bytes.size(), nullptr), 2u);
   }
   EXPECT_EQ(headerOnly.GetRecord(&error).Count(), 0u);
@@ -329,7 +317,7 @@ TEST(BaseRecordReadAsnInfo, Buffer) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     CASNTBaseRecord record;
     record.SetTag(99);
     int error = -1;
@@ -377,7 +365,7 @@ TEST(BaseRecordReadData, Buffer) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     CASNTBaseRecord record;
     ASSERT_EQ(record.SetEncodedEntry(Hex("01 01 FF")), 0);
     record.GetRecord(nullptr);
@@ -409,13 +397,13 @@ TEST(BaseRecordReadData, NullBuffer) {
 
 TEST(BaseRecordReadData, EveryPrefixFromExactHeapBuffer) {
   // A 136-octet element: 30 81 85, then 04 81 80 and 128 octets of 0x41, then 05 00.
-  Bytes element = HexBytes("30 81 85 04 81 80");
+  Octets element = HexBytes("30 81 85 04 81 80");
   element.insert(element.end(), 128, 0x41);
   element.push_back(0x05);
   element.push_back(0x00);
   for (size_t n = 0; n < element.size(); ++n) {
     SCOPED_TRACE(n);
-    Bytes prefix(element.begin(), element.begin() + n);
+    Octets prefix(element.begin(), element.begin() + n);
     CASNTBaseRecord record;
     int error = 0;
     const unsigned int result =
@@ -424,7 +412,7 @@ TEST(BaseRecordReadData, EveryPrefixFromExactHeapBuffer) {
     EXPECT_EQ(result, n < 3 ? 0u : 3u);
     EXPECT_EQ(error, n < 3 ? keyasn::kErrMalformed : keyasn::kErrTooShort);
   }
-  Bytes exact(element);
+  Octets exact(element);
   CASNTBaseRecord record;
   int error = -1;
   EXPECT_EQ(record.ReadData(exact.data(), exact.size(), &error), element.size());
@@ -703,7 +691,7 @@ TEST(BaseRecordContentsSize, Buffer) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     const unsigned char* data = bytes.empty() ? nullptr : bytes.data();
     int error = -1;
     EXPECT_EQ(CASNTBaseRecord::GetContecstSpecSize(data, bytes.size(), row.constructed, &error),
@@ -719,10 +707,10 @@ TEST(BaseRecordContentsSize, Buffer) {
 
 TEST(BaseRecordContentsSize, BufferPrefixesStayInside) {
   // Every prefix from an exactly-sized heap buffer: each read stays inside it.
-  const Bytes whole = HexBytes("30 80 24 80 04 02 41 42 04 80 43 00 00 00 00 00 00 02 01 05 00 00");
+  const Octets whole = HexBytes("30 80 24 80 04 02 41 42 04 80 43 00 00 00 00 00 00 02 01 05 00 00");
   for (size_t n = 0; n <= whole.size(); ++n) {
     SCOPED_TRACE(n);
-    Bytes prefix(whole.begin(), whole.begin() + n);
+    Octets prefix(whole.begin(), whole.begin() + n);
     int error = 0;
     const unsigned int result = CASNTBaseRecord::GetContecstSpecSize(
         prefix.empty() ? nullptr : prefix.data(), n, 0x20, &error);
@@ -739,7 +727,7 @@ TEST(BaseRecordContentsSize, BufferPrefixesStayInside) {
 
 TEST(BaseRecordContentsSize, DeepNestingIsIterative) {
   const size_t levels = 1000000;
-  Bytes open;
+  Octets open;
   open.reserve(levels * 4);
   for (size_t i = 0; i < levels; ++i) {
     open.push_back(0x30);
@@ -752,7 +740,7 @@ TEST(BaseRecordContentsSize, DeepNestingIsIterative) {
   EXPECT_EQ(error, 0);
   // Closed: the contents of an outer element holding levels-1 nested ones, the
   // innermost holding a NULL; the octets behind are not counted.
-  Bytes closed(open.begin(), open.end() - 2);
+  Octets closed(open.begin(), open.end() - 2);
   closed.push_back(0x05);
   closed.push_back(0x00);
   closed.insert(closed.end(), levels * 2, 0x00);
@@ -762,7 +750,7 @@ TEST(BaseRecordContentsSize, DeepNestingIsIterative) {
             closed.size() - 2);
   EXPECT_EQ(error, 0);
   // Deeply nested definite lengths.
-  Bytes definite;
+  Octets definite;
   for (size_t i = 0; i < 1000; ++i) {
     definite.insert(definite.begin(), {0x30, 0x84, 0, 0, 0, 0});
     const unsigned int len = static_cast<unsigned int>(definite.size() - 6);
@@ -840,12 +828,12 @@ TEST(BaseRecordContentsSize, File) {
 
 TEST(BaseRecordContentsSize, FileDeepNesting) {
   const size_t levels = 200000;
-  Bytes open;
+  Octets open;
   for (size_t i = 0; i < levels; ++i) {
     open.push_back(0x30);
     open.push_back(0x80);
   }
-  Bytes closed(open.begin(), open.end() - 2);
+  Octets closed(open.begin(), open.end() - 2);
   closed.push_back(0x05);
   closed.push_back(0x00);
   closed.insert(closed.end(), levels * 2, 0x00);

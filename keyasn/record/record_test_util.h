@@ -1,46 +1,15 @@
-// Test helpers for the record tests: temporary files and a view of a record's
-// protected state.
+// Test helpers for the record tests: records from hex and a view of a record's
+// protected state. Used by the *_test.cc files only.
 #ifndef KEYASN_RECORD_RECORD_TEST_UTIL_H_
 #define KEYASN_RECORD_RECORD_TEST_UTIL_H_
 
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "gtest/gtest.h"
 #include "keyasn/record/base_record.h"
+#include "keyasn/support/test_util.h"
 
 namespace keyasn {
 namespace testing {
-
-// A real file holding the given octets, removed when the object goes.
-class TempFile {
- public:
-  explicit TempFile(const std::vector<unsigned char>& octets) {
-    std::string pattern = ::testing::TempDir() + "keyasn_record_XXXXXX";
-    std::vector<char> name(pattern.begin(), pattern.end());
-    name.push_back('\0');
-    const int fd = mkstemp(name.data());
-    if (fd < 0) throw std::runtime_error("mkstemp");
-    size_t done = 0;
-    while (done < octets.size()) {
-      const ssize_t n = write(fd, octets.data() + done, octets.size() - done);
-      if (n <= 0) break;
-      done += static_cast<size_t>(n);
-    }
-    close(fd);
-    path_ = name.data();
-  }
-  ~TempFile() { unlink(path_.c_str()); }
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
-  const char* path() const { return path_.c_str(); }
-
- private:
-  std::string path_;
-};
 
 // Peek exposes a record's protected state to the tests.
 class Peek : public CASNTBaseRecord {
@@ -56,6 +25,13 @@ class Peek : public CASNTBaseRecord {
     return h.Class == 0 && h.Constructed == 0 && h.Tag == 0 && h.Length == 0 && !h.Contents;
   }
 };
+
+// Record is a base record holding the element given in hex.
+inline CASNTBaseRecord Record(const char* hex) {
+  CASNTBaseRecord record;
+  EXPECT_EQ(record.SetEncodedEntry(Hex(hex)), 0);
+  return record;
+}
 
 }  // namespace testing
 }  // namespace keyasn

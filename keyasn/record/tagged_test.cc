@@ -8,34 +8,18 @@
 #include "keyasn/record/record_test_util.h"
 #include "keyasn/record/unit.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
+using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::Peek;
+using keyasn::testing::Record;
 using keyasn::testing::ToHex;
 
-using Bytes = std::vector<unsigned char>;
-
-template <typename Op>
-void ExpectStatus(Op op, int code, const std::string& where) {
-  try {
-    op();
-    ADD_FAILURE() << "no XRUVStatus thrown";
-  } catch (const XRUVStatus& status) {
-    EXPECT_EQ(status.Status(), code);
-    EXPECT_EQ(std::string(status.Where()), where);
-    EXPECT_FALSE(status.Flag());
-  }
-}
-
-CASNTBaseRecord Record(const char* hex) {
-  CASNTBaseRecord record;
-  EXPECT_EQ(record.SetEncodedEntry(Hex(hex)), 0);
-  return record;
-}
 
 TEST(TaggedLayout, BasesAndFields) {
   // Callers depend on these layouts: the interface first, then the record.
@@ -145,7 +129,7 @@ TEST(ImplicitTag, ThroughTheInterfaceAndOnItself) {
 }
 
 TEST(ImplicitTag, ReadFromData) {
-  const Bytes bytes = HexBytes("80 01 05");
+  const Octets bytes = HexBytes("80 01 05");
   Implicit implicit;
   int error = -1;
   EXPECT_EQ(implicit.ReadData(bytes.data(), 3, &error), 3u);
@@ -157,7 +141,7 @@ TEST(ImplicitTag, ReadFromData) {
 
 TEST(ImplicitTag, CodesPassedOn) {
   // The decoder's code under the restored tag.
-  const Bytes bytes = HexBytes("80 03 2A 86 86");
+  const Octets bytes = HexBytes("80 03 2A 86 86");
   Implicit implicit;
   ASSERT_EQ(implicit.ReadData(bytes.data(), 5, nullptr), 5u);
   implicit.SetOriginTag(0, 6);
@@ -200,14 +184,14 @@ TEST(ExplicitTag, WrapsTheWholeMember) {
 }
 
 TEST(ExplicitTag, ReadFromData) {
-  const Bytes bytes = HexBytes("A0 03 02 01 05");
+  const Octets bytes = HexBytes("A0 03 02 01 05");
   Explicit explicitTag;
   int error = -1;
   ASSERT_EQ(explicitTag.ReadData(bytes.data(), 5, &error), 5u);
   EXPECT_EQ(ToHex(explicitTag.GetTaggedTypeRecord(&error)), "05");
   EXPECT_EQ(error, 0);
   // A wrapped element that does not decode reports the decoder's code.
-  const Bytes oid = HexBytes("A1 05 06 03 2A 86 86");
+  const Octets oid = HexBytes("A1 05 06 03 2A 86 86");
   Explicit bad;
   ASSERT_EQ(bad.ReadData(oid.data(), 7, nullptr), 7u);
   bad.GetTaggedTypeRecord(&error);
@@ -227,7 +211,7 @@ TEST(ExplicitTag, ThroughTheInterfaceAndOnItself) {
 TEST(ExplicitTag, UnitContributesItsBaseEncoding) {
   // Not rebuilt from the items: the base encoding of a freshly read unit is its
   // header over an empty value.
-  const Bytes bytes = HexBytes("30 80 02 01 05 00 00");
+  const Octets bytes = HexBytes("30 80 02 01 05 00 00");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 7, nullptr), 7u);
   const Explicit fresh(unit, 0, 0x80);

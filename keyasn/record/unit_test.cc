@@ -10,40 +10,18 @@
 #include "keyasn/record/tagged.h"
 #include "keyasn/record/unit_tree.h"
 #include "keyasn/support/status.h"
-#include "keyasn/support/test_hex.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
+using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::Octets;
 using keyasn::testing::Peek;
+using keyasn::testing::PutLength;
+using keyasn::testing::Record;
 using keyasn::testing::ToHex;
-
-using Bytes = std::vector<unsigned char>;
-
-template <typename Op>
-void ExpectStatus(Op op, int code, const std::string& where) {
-  try {
-    op();
-    ADD_FAILURE() << "no XRUVStatus thrown";
-  } catch (const XRUVStatus& status) {
-    EXPECT_EQ(status.Status(), code);
-    EXPECT_EQ(std::string(status.Where()), where);
-    EXPECT_FALSE(status.Flag());
-  }
-}
-
-// DER length octets.
-void PutLength(Bytes* out, size_t length) {
-  if (length < 128) {
-    out->push_back(static_cast<unsigned char>(length));
-    return;
-  }
-  unsigned int n = 0;
-  for (size_t v = length; v; v >>= 8) ++n;
-  out->push_back(static_cast<unsigned char>(0x80 | n));
-  for (unsigned int i = n; i-- > 0;) out->push_back(static_cast<unsigned char>(length >> (8 * i)));
-}
 
 size_t LengthOctets(size_t length) {
   size_t n = 1;
@@ -55,11 +33,11 @@ size_t LengthOctets(size_t length) {
 
 // `depth` SEQUENCEs in definite form, each holding the next; the innermost holds
 // a NULL. Built in linear time.
-Bytes NestedDefinite(size_t depth) {
+Octets NestedDefinite(size_t depth) {
   std::vector<size_t> sizes(depth + 1);
   sizes[0] = 2;  // 05 00
   for (size_t k = 1; k <= depth; ++k) sizes[k] = 1 + LengthOctets(sizes[k - 1]) + sizes[k - 1];
-  Bytes out;
+  Octets out;
   out.reserve(sizes[depth]);
   for (size_t k = depth; k >= 1; --k) {
     out.push_back(0x30);
@@ -71,8 +49,8 @@ Bytes NestedDefinite(size_t depth) {
 }
 
 // `depth` SEQUENCEs in indefinite form: the 30 80 headers, then `pairs` 00 00.
-Bytes NestedIndefinite(size_t depth, size_t pairs) {
-  Bytes out;
+Octets NestedIndefinite(size_t depth, size_t pairs) {
+  Octets out;
   out.reserve(2 * (depth + pairs));
   for (size_t i = 0; i < depth; ++i) {
     out.push_back(0x30);
@@ -80,12 +58,6 @@ Bytes NestedIndefinite(size_t depth, size_t pairs) {
   }
   out.insert(out.end(), 2 * pairs, 0x00);
   return out;
-}
-
-CASNTBaseRecord Record(const char* hex) {
-  CASNTBaseRecord record;
-  EXPECT_EQ(record.SetEncodedEntry(Hex(hex)), 0);
-  return record;
 }
 
 // ---------------------------------------------------------------------------
@@ -135,7 +107,7 @@ TEST(UnitRead, Rows) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Bytes bytes = HexBytes(row.hex);
+    const Octets bytes = HexBytes(row.hex);
     CASNTUnit unit;
     unit.Push_Back(Record("05 00"));  // destroyed by the read
     int error = -1;
@@ -161,7 +133,7 @@ TEST(UnitRead, Rows) {
 }
 
 TEST(UnitRead, ItemsAreUnitsOrRecords) {
-  const Bytes bytes = HexBytes("30 0A 30 03 02 01 05 80 03 02 01 07");
+  const Octets bytes = HexBytes("30 0A 30 03 02 01 05 80 03 02 01 07");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), nullptr), 12u);
   ASSERT_EQ(unit.GetEntryListSize(), 2u);
@@ -196,7 +168,7 @@ TEST(UnitRead, KeepsBuffersOfAConstructedElement) {
   // Reading does not clear the unit's own buffers.
   CASNTUnit unit;
   unit.SetEntry(Hex("AA"));
-  const Bytes bytes = HexBytes("30 03 02 01 05");
+  const Octets bytes = HexBytes("30 03 02 01 05");
   ASSERT_EQ(unit.ReadData(bytes.data(), 5, nullptr), 5u);
   EXPECT_EQ(ToHex(Peek::Entry(unit)), "AA");
 }
@@ -204,10 +176,10 @@ TEST(UnitRead, KeepsBuffersOfAConstructedElement) {
 TEST(UnitRead, EveryPrefixFromExactHeapBuffer) {
   for (const char* hex : {"30 80 30 80 02 01 05 00 00 80 03 02 01 07 A1 80 04 02 41 42 00 00 00 00",
                           "30 11 30 03 02 01 05 80 03 02 01 07 A1 05 04 03 41 42 43"}) {
-    const Bytes whole = HexBytes(hex);
+    const Octets whole = HexBytes(hex);
     for (size_t n = 0; n < whole.size(); ++n) {
       SCOPED_TRACE(n);
-      Bytes prefix(whole.begin(), whole.begin() + n);
+      Octets prefix(whole.begin(), whole.begin() + n);
       CASNTUnit unit;
       int error = 0;
       const unsigned int used = unit.ReadData(prefix.empty() ? nullptr : prefix.data(),
@@ -234,7 +206,7 @@ TEST(UnitRoundTrip, DefiniteComesBackTheSame) {
                           "A1 05 30 03 02 01 05", "02 01 05", "80 02 41 42",
                           "30 0A 06 03 2A 03 04 05 00 01 01 FF"}) {
     SCOPED_TRACE(hex);
-    const Bytes bytes = HexBytes(hex);
+    const Octets bytes = HexBytes(hex);
     CASNTUnit unit;
     int error = -1;
     ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), &error),
@@ -242,7 +214,7 @@ TEST(UnitRoundTrip, DefiniteComesBackTheSame) {
     ASSERT_EQ(error, 0);
     EXPECT_EQ(unit.GetObjectSize(), bytes.size());
     EXPECT_EQ(ToHex(unit.WriteData(&error)), hex);
-    Bytes out(bytes.size());
+    Octets out(bytes.size());
     EXPECT_EQ(unit.WriteData(out.data(), static_cast<unsigned int>(out.size()), nullptr),
               bytes.size());
     EXPECT_EQ(ToHex(out), hex);
@@ -261,7 +233,7 @@ TEST(UnitRoundTrip, IndefiniteIsRewrittenDefinite) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.in);
-    const Bytes bytes = HexBytes(row.in);
+    const Octets bytes = HexBytes(row.in);
     CASNTUnit unit;
     ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), nullptr),
               bytes.size());
@@ -274,10 +246,10 @@ TEST(UnitRoundTrip, IndefiniteIsRewrittenDefinite) {
 // Writing and sizing.
 
 TEST(UnitWrite, OneOctetShortWritesNothing) {
-  const Bytes bytes = HexBytes("30 06 02 01 05 04 01 41");
+  const Octets bytes = HexBytes("30 06 02 01 05 04 01 41");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 8, nullptr), 8u);
-  Bytes out(7, 0xEE);
+  Octets out(7, 0xEE);
   int error = 12345;
   EXPECT_EQ(unit.WriteData(out.data(), 7, &error), 0u);
   EXPECT_EQ(error, 12345);  // never written
@@ -310,7 +282,7 @@ TEST(UnitWrite, WithoutItemsBehavesAsARecord) {
 }
 
 TEST(UnitWrite, HeaderOfTheUnitIsUsed) {
-  const Bytes bytes = HexBytes("30 80 02 01 05 00 00");
+  const Octets bytes = HexBytes("30 80 02 01 05 00 00");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 7, nullptr), 7u);
   unit.SetClass(0x80);
@@ -330,7 +302,7 @@ TEST(UnitWrite, ItemThatDoesNotFitStopsItsParent) {
   parent.Push_Back(Record("02 01 05"));
   parent.Push_Back(Record("02 01 06"));
   EXPECT_EQ(parent.GetObjectSize(), 8u);
-  Bytes out(8, 0xEE);
+  Octets out(8, 0xEE);
   EXPECT_EQ(parent.WriteData(out.data(), 8, nullptr), 7u);
   EXPECT_EQ(ToHex(out), "30 06 05 00 02 01 05 EE");
 }
@@ -338,7 +310,7 @@ TEST(UnitWrite, ItemThatDoesNotFitStopsItsParent) {
 TEST(UnitWrite, NestedUnitThatDoesNotFitWritesNothing) {
   CASNTUnit null;
   null.SetTag(5);
-  const Bytes inner = HexBytes("30 03 02 01 05");
+  const Octets inner = HexBytes("30 03 02 01 05");
   CASNTUnit innerUnit;
   ASSERT_EQ(innerUnit.ReadData(inner.data(), 5, nullptr), 5u);
   CASNTUnit parent;
@@ -349,7 +321,7 @@ TEST(UnitWrite, NestedUnitThatDoesNotFitWritesNothing) {
   parent.Push_Back(Record("05 00"));
   EXPECT_EQ(parent.GetObjectSize(), 9u);
   // 30 07 | 05 00 | (30 03 02 01 05 needs 5, 5 left: fits) | 05 00 needs 2, 0 left.
-  Bytes out(9, 0xEE);
+  Octets out(9, 0xEE);
   EXPECT_EQ(parent.WriteData(out.data(), 9, nullptr), 9u);
   EXPECT_EQ(ToHex(out), "30 07 05 00 30 03 02 01 05");
   // Two such NULLs leave too little room for the nested unit: it writes
@@ -362,7 +334,7 @@ TEST(UnitWrite, NestedUnitThatDoesNotFitWritesNothing) {
   second.Push_Back(innerUnit);
   second.Push_Back(Record("05 00"));
   EXPECT_EQ(second.GetObjectSize(), 9u);
-  Bytes out2(9, 0xEE);
+  Octets out2(9, 0xEE);
   EXPECT_EQ(second.WriteData(out2.data(), 9, nullptr), 8u);
   EXPECT_EQ(ToHex(out2), "30 07 05 00 05 00 05 00 EE");
 }
@@ -370,7 +342,7 @@ TEST(UnitWrite, NestedUnitThatDoesNotFitWritesNothing) {
 TEST(UnitWrite, EmptyConstructedSizesAsNothing) {
   // Read from 30 00: no items and no buffers, so its size is 0, while the
   // buffer writer encodes its header.
-  const Bytes bytes = HexBytes("30 00");
+  const Octets bytes = HexBytes("30 00");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 2, nullptr), 2u);
   EXPECT_EQ(unit.GetObjectSize(), 0u);
@@ -393,7 +365,7 @@ TEST(UnitWrite, NewBufferKeepsTheSizedLength) {
 }
 
 TEST(UnitWrite, GetEncodedRecordCachesTheWrite) {
-  const Bytes bytes = HexBytes("30 80 02 01 05 00 00");
+  const Octets bytes = HexBytes("30 80 02 01 05 00 00");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 7, nullptr), 7u);
   EXPECT_EQ(Peek::Encoded(unit).Count(), 0u);
@@ -434,7 +406,7 @@ TEST(UnitItems, PushAndGet) {
 }
 
 TEST(UnitItems, PushUnitKeepsChildrenUnlessPassedAsRecord) {
-  const Bytes bytes = HexBytes("30 03 02 01 05");
+  const Octets bytes = HexBytes("30 03 02 01 05");
   CASNTUnit child;
   ASSERT_EQ(child.ReadData(bytes.data(), 5, nullptr), 5u);
   CASNTUnit unit;
@@ -463,7 +435,7 @@ TEST(UnitCopy, EmptyChildUnitBecomesAPlainRecord) {
 }
 
 TEST(UnitCopy, DeepCopyOfChildren) {
-  const Bytes bytes = HexBytes("30 0A 30 03 02 01 05 A1 03 04 01 41");
+  const Octets bytes = HexBytes("30 0A 30 03 02 01 05 A1 03 04 01 41");
   CASNTUnit source;
   ASSERT_EQ(source.ReadData(bytes.data(), 12, nullptr), 12u);
   CASNTUnit copy;
@@ -474,9 +446,9 @@ TEST(UnitCopy, DeepCopyOfChildren) {
   // The header is copied field for field, the contents pointer included.
   EXPECT_EQ(Peek::Header(copy).Contents, Peek::Header(source).Contents);
   EXPECT_EQ(copy.GetTag(), 16u);
-  const Bytes written = [&] {
+  const Octets written = [&] {
     const IdentObj w = copy.WriteData(nullptr);
-    return Bytes(w.GetData(), w.GetData() + w.Count());
+    return Octets(w.GetData(), w.GetData() + w.Count());
   }();
   EXPECT_EQ(written, bytes);
   // Changing the source leaves the copy alone.
@@ -486,7 +458,7 @@ TEST(UnitCopy, DeepCopyOfChildren) {
 }
 
 TEST(UnitCopy, SelfAndFromOwnChild) {
-  const Bytes bytes = HexBytes("30 07 30 05 30 03 02 01 05");
+  const Octets bytes = HexBytes("30 07 30 05 30 03 02 01 05");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 9, nullptr), 9u);
   CASNTUnit& same = unit;
@@ -498,7 +470,7 @@ TEST(UnitCopy, SelfAndFromOwnChild) {
 }
 
 TEST(UnitCopy, BaseAssignmentLeavesItems) {
-  const Bytes bytes = HexBytes("30 03 02 01 05");
+  const Octets bytes = HexBytes("30 03 02 01 05");
   CASNTUnit unit;
   ASSERT_EQ(unit.ReadData(bytes.data(), 5, nullptr), 5u);
   CASNTBaseRecord& asRecord = unit;
@@ -523,7 +495,7 @@ TEST(UnitDeep, MillionIndefiniteLevels) {
   const size_t levels = 1000000;
   {
     // Never closed.
-    const Bytes open = NestedIndefinite(levels, 0);
+    const Octets open = NestedIndefinite(levels, 0);
     CASNTUnit unit;
     int error = -1;
     EXPECT_EQ(unit.ReadData(open.data(), static_cast<unsigned int>(open.size()), &error),
@@ -534,7 +506,7 @@ TEST(UnitDeep, MillionIndefiniteLevels) {
   {
     // One pair per level: the innermost takes its first pair as an item, so the
     // outermost finds no pair of its own.
-    const Bytes closed = NestedIndefinite(levels, levels);
+    const Octets closed = NestedIndefinite(levels, levels);
     CASNTUnit unit;
     int error = -1;
     EXPECT_EQ(unit.ReadData(closed.data(), static_cast<unsigned int>(closed.size()), &error),
@@ -542,7 +514,7 @@ TEST(UnitDeep, MillionIndefiniteLevels) {
     EXPECT_EQ(error, keyasn::kErrMalformed);
   }
   {
-    const Bytes closed = NestedIndefinite(levels, levels + 1);
+    const Octets closed = NestedIndefinite(levels, levels + 1);
     CASNTUnit unit;
     int error = -1;
     ASSERT_EQ(unit.ReadData(closed.data(), static_cast<unsigned int>(closed.size()), &error),
@@ -571,7 +543,7 @@ TEST(UnitDeep, MillionIndefiniteLevels) {
 TEST(UnitDeep, DefiniteLevelsRoundTrip) {
   for (size_t depth : {1u, 100u, 10000u, 300000u}) {
     SCOPED_TRACE(depth);
-    const Bytes bytes = NestedDefinite(depth);
+    const Octets bytes = NestedDefinite(depth);
     CASNTUnit unit;
     int error = -1;
     ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), &error),
@@ -582,7 +554,7 @@ TEST(UnitDeep, DefiniteLevelsRoundTrip) {
     EXPECT_TRUE(written.Count() == bytes.size() &&
                 std::memcmp(written.GetData(), bytes.data(), bytes.size()) == 0);
     // Cut short anywhere in the headers, the read fails cleanly.
-    Bytes cut(bytes.begin(), bytes.begin() + bytes.size() / 2);
+    Octets cut(bytes.begin(), bytes.begin() + bytes.size() / 2);
     CASNTUnit partial;
     partial.ReadData(cut.data(), static_cast<unsigned int>(cut.size()), &error);
     EXPECT_EQ(error, keyasn::kErrBadIdentifier);
@@ -600,7 +572,7 @@ TEST(UnitDeep, BuiltByPushing) {
     parent.Push_Back(chain);
     chain = parent;
   }
-  const Bytes expected = NestedDefinite(1000);
+  const Octets expected = NestedDefinite(1000);
   EXPECT_EQ(chain.GetObjectSize(), expected.size());
   const IdentObj written = chain.WriteData(nullptr);
   ASSERT_EQ(written.Count(), expected.size());
@@ -612,7 +584,7 @@ TEST(UnitDeep, BuiltByPushing) {
 TEST(UnitDeep, LayoutVisitsEachRecordOnce) {
   for (size_t depth : {100u, 10000u}) {
     SCOPED_TRACE(depth);
-    const Bytes bytes = NestedDefinite(depth);
+    const Octets bytes = NestedDefinite(depth);
     CASNTUnit unit;
     ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), nullptr),
               bytes.size());

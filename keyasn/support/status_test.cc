@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <unistd.h>
 
 #include "keyasn/support/cruv_string.h"
 #include "keyasn/support/file.h"
+#include "keyasn/support/test_util.h"
 
 namespace {
 
@@ -58,17 +58,11 @@ TEST(CRUVString, LoadAndLength) {
   EXPECT_EQ(null_text.Length(), 0u);
 }
 
+// A fresh empty scratch file for each test.
 class TempFile : public ::testing::Test {
  protected:
-  void SetUp() override {
-    char name[] = "/tmp/keyasn_fileXXXXXX";
-    int fd = mkstemp(name);
-    ASSERT_GE(fd, 0);
-    close(fd);
-    path_ = name;
-  }
-  void TearDown() override { std::remove(path_.c_str()); }
-  std::string path_;
+  keyasn::testing::TempFile file_;
+  const std::string path_ = file_.path();
 };
 
 TEST_F(TempFile, ReadWriteSeek) {
