@@ -1,7 +1,8 @@
 // Proves that key material is zero when its octets are released. Octet buffers are
-// allocated with the array form of operator new; this test executable replaces the
-// array forms of new and delete with malloc/free (still checked by the sanitizers)
-// and looks at one watched buffer just before it is freed.
+// allocated with the array form of operator new; this executable of its own replaces
+// the array forms of new and delete with malloc/free (still checked by the
+// sanitizers) and looks at one watched buffer just before it is freed. Kept apart
+// from the other key tests so that they run with the normal allocator.
 #include <gtest/gtest.h>
 
 #include <cstddef>
