@@ -1,13 +1,10 @@
 #include "keyasn/codec/octets.h"
 
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/tags.h"
 
 namespace keyasn {
 namespace detail {
-
-namespace {
-constexpr unsigned int kHighTagForm = 0x1F;
-}  // namespace
 
 int ReadTagNumber(const unsigned char* data, unsigned int size, unsigned int* tag,
                   unsigned int* end) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/der/der_common.h"
 #include "keyasn/der/der_helper.h"
 
@@ -11,13 +12,13 @@ namespace {
 
 using keyasn::detail::DecodeDerElement;
 using keyasn::detail::EncodeDerElement;
+using keyasn::detail::kBitStringTag;
+using keyasn::detail::kBooleanTag;
+using keyasn::detail::kContextClass;
+using keyasn::detail::kIntegerTag;
+using keyasn::detail::kObjectIdTag;
+using keyasn::detail::kOctetStringTag;
 
-constexpr unsigned int kBoolean = 1;
-constexpr unsigned int kInteger = 2;
-constexpr unsigned int kBitString = 3;
-constexpr unsigned int kOctetString = 4;
-constexpr unsigned int kObjectIdentifier = 6;
-constexpr unsigned char kContextClass = 0x80;
 // The library's own mark of a negative INTEGER (kept for compatibility with
 // existing encodings).
 constexpr unsigned int kNegativeInteger = 258;
@@ -39,40 +40,40 @@ IdentObj DerHelper::EncodeInteger(int value) {
       static_cast<unsigned char>(word >> 16), static_cast<unsigned char>(word >> 24)};
   // A negative value gets the negative mark, which the encoder has no rule for:
   // no INTEGER comes out (deliberate, see the header).
-  return EncodeDerElement(value < 0 ? kNegativeInteger : kInteger, octets, sizeof octets);
+  return EncodeDerElement(value < 0 ? kNegativeInteger : kIntegerTag, octets, sizeof octets);
 }
 
 IdentObj DerHelper::EncodeInteger(const IdentObj& value) {
-  return EncodeDerElement(kInteger, value.GetData(), value.Count());
+  return EncodeDerElement(kIntegerTag, value.GetData(), value.Count());
 }
 
 IdentObj DerHelper::EncodeBool(bool value) {
   const unsigned char octet = value ? 1 : 0;
-  return EncodeDerElement(kBoolean, &octet, 1);
+  return EncodeDerElement(kBooleanTag, &octet, 1);
 }
 
 IdentObj DerHelper::EncodeOid(const std::string& oid) {
-  return EncodeDerElement(kObjectIdentifier, oid.data(), static_cast<unsigned int>(oid.size()));
+  return EncodeDerElement(kObjectIdTag, oid.data(), static_cast<unsigned int>(oid.size()));
 }
 
 IdentObj DerHelper::EncodeOctetString(const unsigned char* data, unsigned int size) {
-  return EncodeDerElement(kOctetString, data, size);
+  return EncodeDerElement(kOctetStringTag, data, size);
 }
 
 IdentObj DerHelper::EncodeOctetString(const IdentObj& value) {
-  return EncodeDerElement(kOctetString, value.GetData(), value.Count());
+  return EncodeDerElement(kOctetStringTag, value.GetData(), value.Count());
 }
 
 IdentObj DerHelper::EncodeBitString(const void* data, int size) {
   const unsigned int count = size > 0 ? static_cast<unsigned int>(size) : 0;
   IdentObj contents(nullptr, count + 1);  // zero-filled: unused-bits octet 0x00
   if (data != nullptr && count != 0) std::memcpy(contents.GetData() + 1, data, count);
-  return EncodeDerElement(kBitString, contents.GetData(), contents.Count());
+  return EncodeDerElement(kBitStringTag, contents.GetData(), contents.Count());
 }
 
 IdentObj DerHelper::DecodeLargeInteger(const IdentObj& element, bool skipTagCheck) {
   ASNT_ASN_STRUCT_INFO info;
-  return DecodeDerElement(element, skipTagCheck, "DerHelper::DecodeLargeInteger", kInteger,
+  return DecodeDerElement(element, skipTagCheck, "DerHelper::DecodeLargeInteger", kIntegerTag,
                           kNegativeInteger, &info);
 }
 
@@ -81,9 +82,9 @@ int DerHelper::DecodeInteger(const IdentObj& element, bool skipTagCheck) {
   const unsigned char* data = element.GetData();
   const unsigned int size = element.Count();
   const ASNT_ASN_STRUCT_INFO header = keyasn::detail::ParseDerHeader(data, size, kPlace);
-  keyasn::detail::CheckDerTag(header, skipTagCheck, kPlace, kInteger, kNegativeInteger);
+  keyasn::detail::CheckDerTag(header, skipTagCheck, kPlace, kIntegerTag, kNegativeInteger);
   keyasn::detail::RequireDerContents(header, data, size, kPlace);
-  if (header.Class != kContextClass && header.Tag == kInteger) {
+  if (header.Class != kContextClass && header.Tag == kIntegerTag) {
     // What the primitive decoder gives for a universal INTEGER (one leading 0x00
     // dropped, then the octets reversed), read straight from the contents.
     const unsigned char* p = header.Contents;
@@ -100,7 +101,7 @@ int DerHelper::DecodeInteger(const IdentObj& element, bool skipTagCheck) {
   }
   ASNT_ASN_STRUCT_INFO info;
   const IdentObj value =
-      DecodeDerElement(element, skipTagCheck, kPlace, kInteger, kNegativeInteger, &info);
+      DecodeDerElement(element, skipTagCheck, kPlace, kIntegerTag, kNegativeInteger, &info);
   if (value.Count() > 4)
     keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace, keyasn::detail::kDerValueTooLarge);
   unsigned int word = LowOrderWord(value.GetData(), value.Count());
@@ -112,7 +113,7 @@ int DerHelper::DecodeInteger(const IdentObj& element, bool skipTagCheck) {
 bool DerHelper::DecodeBool(const IdentObj& element, bool skipTagCheck) {
   static const char kPlace[] = "DerHelper::DecodeBool";
   ASNT_ASN_STRUCT_INFO info;
-  const IdentObj value = DecodeDerElement(element, skipTagCheck, kPlace, kBoolean, kBoolean, &info);
+  const IdentObj value = DecodeDerElement(element, skipTagCheck, kPlace, kBooleanTag, kBooleanTag, &info);
   if (value.Count() != 4)
     keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace, keyasn::detail::kDerValueWrongSize);
   return LowOrderWord(value.GetData(), 4) != 0;
@@ -121,7 +122,7 @@ bool DerHelper::DecodeBool(const IdentObj& element, bool skipTagCheck) {
 std::string DerHelper::DecodeOid(const IdentObj& element, bool skipTagCheck) {
   ASNT_ASN_STRUCT_INFO info;
   const IdentObj value = DecodeDerElement(element, skipTagCheck, "DerHelper::DecodeOid",
-                                          kObjectIdentifier, kObjectIdentifier, &info);
+                                          kObjectIdTag, kObjectIdTag, &info);
   if (value.Count() == 0) return std::string();
   return std::string(reinterpret_cast<const char*>(value.GetData()), value.Count());
 }
@@ -129,14 +130,14 @@ std::string DerHelper::DecodeOid(const IdentObj& element, bool skipTagCheck) {
 IdentObj DerHelper::DecodeOctetString(const IdentObj& element, bool skipTagCheck) {
   ASNT_ASN_STRUCT_INFO info;
   return DecodeDerElement(element, skipTagCheck, "DerHelper::DecodeOctetString",
-                          kOctetString, kOctetString, &info);
+                          kOctetStringTag, kOctetStringTag, &info);
 }
 
 std::vector<unsigned char> DerHelper::DecodeOctetString(const unsigned char* data,
                                                         unsigned int size, bool skipTagCheck) {
   static const char kPlace[] = "DerHelper::DecodeOctetString";
   const ASNT_ASN_STRUCT_INFO info = keyasn::detail::ParseDerHeader(data, size, kPlace);
-  keyasn::detail::CheckDerTag(info, skipTagCheck, kPlace, kOctetString, kOctetString);
+  keyasn::detail::CheckDerTag(info, skipTagCheck, kPlace, kOctetStringTag, kOctetStringTag);
   keyasn::detail::RequireDerContents(info, data, size, kPlace);
   // The contents are copied as they stand, without the primitive decoder.
   return std::vector<unsigned char>(info.Contents, info.Contents + info.Length);
@@ -146,7 +147,7 @@ unsigned int DerHelper::DecodeBitStringAsInt(const IdentObj& element, bool skipT
   static const char kPlace[] = "DerHelper::DecodeBitStringAsInt";
   ASNT_ASN_STRUCT_INFO info;
   const IdentObj value =
-      DecodeDerElement(element, skipTagCheck, kPlace, kBitString, kBitString, &info);
+      DecodeDerElement(element, skipTagCheck, kPlace, kBitStringTag, kBitStringTag, &info);
   if (value.Count() > 4)
     keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace,
                              keyasn::detail::kDerBitStringTooLong);

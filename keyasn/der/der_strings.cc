@@ -5,18 +5,18 @@
 #include "keyasn/codec/decoder.h"
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/header.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/der/der_common.h"
 #include "keyasn/der/der_helper.h"
 
 namespace {
 
 using keyasn::detail::EncodeDerElement;
-
-constexpr unsigned int kOctetString = 4;
-constexpr unsigned int kUtf8String = 12;
-constexpr unsigned int kNumericString = 18;
-constexpr unsigned int kPrintableString = 19;
-constexpr unsigned int kIa5String = 22;
+using keyasn::detail::kIa5StringTag;
+using keyasn::detail::kNumericStringTag;
+using keyasn::detail::kOctetStringTag;
+using keyasn::detail::kPrintableStringTag;
+using keyasn::detail::kUtf8StringTag;
 
 constexpr char kPrintableAlphabet[] =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 '()+,-./:=?";
@@ -58,7 +58,7 @@ char DerHelper::ToIa5Char(char c) {
 }
 
 IdentObj DerHelper::EncodeStringAsUtf8(const std::wstring& text) {
-  return EncodeText(kUtf8String, ToString(text));
+  return EncodeText(kUtf8StringTag, ToString(text));
 }
 
 IdentObj DerHelper::EncodeStringAsUtf8(const std::string& text, unsigned int /*unused*/) {
@@ -66,7 +66,7 @@ IdentObj DerHelper::EncodeStringAsUtf8(const std::string& text, unsigned int /*u
 }
 
 IdentObj DerHelper::EncodeStringAsPrintable(const std::string& text, unsigned long maxLength) {
-  return EncodeLimited(kPrintableString, &DerHelper::ToPrintableChar, text, maxLength);
+  return EncodeLimited(kPrintableStringTag, &DerHelper::ToPrintableChar, text, maxLength);
 }
 
 IdentObj DerHelper::EncodeStringAsPrintable(const std::wstring& text, unsigned long maxLength) {
@@ -76,8 +76,8 @@ IdentObj DerHelper::EncodeStringAsPrintable(const std::wstring& text, unsigned l
 IdentObj DerHelper::EncodeStringAsNumeric(const std::string& text, unsigned long maxLength) {
   // The primitive encoder has no NumericString rule: the contents are encoded as
   // an OCTET STRING's (copied as they are) and the identifier is then replaced.
-  IdentObj element = EncodeLimited(kOctetString, &DerHelper::ToNumericChar, text, maxLength);
-  ModifyTagAtEncoded(&element, BuildTag(0x00, false, kNumericString));
+  IdentObj element = EncodeLimited(kOctetStringTag, &DerHelper::ToNumericChar, text, maxLength);
+  ModifyTagAtEncoded(&element, BuildTag(0x00, false, kNumericStringTag));
   return element;
 }
 
@@ -86,7 +86,7 @@ IdentObj DerHelper::EncodeStringAsNumeric(const std::wstring& text, unsigned lon
 }
 
 IdentObj DerHelper::EncodeStringAsIa5(const std::string& text, unsigned long maxLength) {
-  return EncodeLimited(kIa5String, &DerHelper::ToIa5Char, text, maxLength);
+  return EncodeLimited(kIa5StringTag, &DerHelper::ToIa5Char, text, maxLength);
 }
 
 IdentObj DerHelper::EncodeStringAsIa5(const std::wstring& text, unsigned long maxLength) {
@@ -97,8 +97,8 @@ std::wstring DerHelper::DecodeUtf8StringW(const IdentObj& element, bool skipTagC
   static const char kPlace[] = "DerHelper::DecodeUtf8String";
   const ASNT_ASN_STRUCT_INFO info =
       keyasn::detail::ParseDerHeader(element.GetData(), element.Count(), kPlace);
-  if (!skipTagCheck && info.Tag != kUtf8String && info.Tag != kNumericString &&
-      info.Tag != kPrintableString && info.Tag != kIa5String)
+  if (!skipTagCheck && info.Tag != kUtf8StringTag && info.Tag != kNumericStringTag &&
+      info.Tag != kPrintableStringTag && info.Tag != kIa5StringTag)
     keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace, keyasn::detail::kDerWrongType);
   keyasn::detail::RequireDerContents(info, element.GetData(), element.Count(), kPlace);
   const IdentObj value = ASNTLowDecodeData(info, info.Contents, info.Length, nullptr);

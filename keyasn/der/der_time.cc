@@ -1,11 +1,12 @@
 // DerHelper: GeneralizedTime.
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/der/der_common.h"
 #include "keyasn/der/der_helper.h"
 
 namespace {
 
-constexpr unsigned int kGeneralizedTime = 24;
+using keyasn::detail::kGeneralizedTimeTag;
 
 }  // namespace
 
@@ -18,7 +19,7 @@ IdentObj DerHelper::EncodeGeneralizedTime(const CRUVFileTime& time) {
     octets[i] = static_cast<unsigned char>(value.dwLowDateTime >> (8 * i));
     octets[4 + i] = static_cast<unsigned char>(value.dwHighDateTime >> (8 * i));
   }
-  return keyasn::detail::EncodeDerElement(kGeneralizedTime, octets, sizeof octets);
+  return keyasn::detail::EncodeDerElement(kGeneralizedTimeTag, octets, sizeof octets);
 }
 
 CRUVFileTime DerHelper::DecodeGeneralizedTime(const IdentObj& element, bool skipTagCheck) {
@@ -27,7 +28,7 @@ CRUVFileTime DerHelper::DecodeGeneralizedTime(const IdentObj& element, bool skip
   // The decoder's own verdict on the text is not asked for: a malformed time comes
   // back as the value it left (kept for compatibility).
   const IdentObj value = keyasn::detail::DecodeDerElement(
-      element, skipTagCheck, kPlace, kGeneralizedTime, kGeneralizedTime, &info);
+      element, skipTagCheck, kPlace, kGeneralizedTimeTag, kGeneralizedTimeTag, &info);
   if (value.Count() != 8)
     keyasn::detail::RaiseDer(keyasn::kErrWrongType, kPlace, keyasn::detail::kDerDataWrongSize);
   const unsigned char* octets = value.GetData();

@@ -5,17 +5,19 @@
 
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/sequence.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
 
 namespace {
 
+using keyasn::detail::kContextClass;
+using keyasn::detail::kIntegerTag;
+using keyasn::detail::kOctetStringTag;
+using keyasn::detail::kSequenceTag;
+
 // Both directions report under the writer's name (kept: callers match on it).
 constexpr char kPlace[] = "ASNContainerInfo::WriteData";
-constexpr unsigned int kIntegerTag = 2;
-constexpr unsigned int kOctetStringTag = 4;
-constexpr unsigned int kSequenceTag = 16;
-constexpr unsigned char kContextClass = 0x80;
 
 ASNKeyInfo DecodeKeyInfo(const IdentObj& encoding) {
   ASNKeyInfo info;

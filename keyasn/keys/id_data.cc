@@ -6,15 +6,17 @@
 
 #include "keyasn/codec/error_codes.h"
 #include "keyasn/codec/sequence.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
 
 namespace {
 
+using keyasn::detail::kNullTag;
+using keyasn::detail::kObjectIdTag;
+using keyasn::detail::kSequenceTag;
+
 constexpr char kReadPlace[] = "CASNTIdData::ReadData";
-constexpr unsigned int kSequenceTag = 16;
-constexpr unsigned int kObjectIdTag = 6;
-constexpr unsigned int kNullTag = 5;
 constexpr unsigned int kIndefinite = 0xFFFFFFFF;
 
 // ReadObjectId reads the OBJECT IDENTIFIER element at the front of `data` into

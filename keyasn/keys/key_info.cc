@@ -1,3 +1,4 @@
+#include "keyasn/codec/tags.h"
 #include "keyasn/keys/key_info.h"
 #include "keyasn/keys/key_info_records.h"
 
@@ -16,14 +17,15 @@
 
 namespace {
 
+using keyasn::detail::kBitStringTag;
+using keyasn::detail::kContextClass;
+using keyasn::detail::kIntegerTag;
+using keyasn::detail::kOctetStringTag;
+using keyasn::detail::kSequenceTag;
+
 constexpr char kReadPlace[] = "ASNKeyInfo::ReadData";
 constexpr char kSplitPlace[] = "ASNKeyInfo::ReadData ASNTGetSequence";
 constexpr char kHeaderPlace[] = "ASNKeyInfo::ReadData ASNTGetAsnInfo";
-constexpr unsigned int kIntegerTag = 2;
-constexpr unsigned int kBitStringTag = 3;
-constexpr unsigned int kOctetStringTag = 4;
-constexpr unsigned int kSequenceTag = 16;
-constexpr unsigned char kContextClass = 0x80;
 constexpr unsigned int kLastKnownTag = 9;
 // With this flag the legacy INTEGER form of [2] widens to 20 octets.
 constexpr unsigned int kLongSecondOctetsFlag = 0x10;

@@ -4,6 +4,7 @@
 #include <list>
 
 #include "keyasn/codec/sequence.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/keys/time_limit.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/record/tagged.h"
@@ -18,10 +19,10 @@ const CRUVFileTime kValidityTimeLimit(141690816010000000UL);
 
 namespace {
 
-constexpr unsigned int kUtcTimeTag = 23;
-constexpr unsigned int kGeneralizedTimeTag = 24;
-constexpr unsigned int kSequenceTag = 16;
-constexpr unsigned char kContextClass = 0x80;
+using keyasn::detail::kContextClass;
+using keyasn::detail::kGeneralizedTimeTag;
+using keyasn::detail::kSequenceTag;
+using keyasn::detail::kUtcTimeTag;
 
 unsigned int TimeTag(const CRUVFileTime& time) {
   return time < keyasn::detail::kValidityTimeLimit ? kUtcTimeTag : kGeneralizedTimeTag;

@@ -7,10 +7,14 @@
 #include "keyasn/codec/decoder.h"
 #include "keyasn/codec/encoder.h"
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/octets.h"
+#include "keyasn/codec/tags.h"
 #include "keyasn/record/record_octets.h"
 #include "keyasn/support/status.h"
 
 namespace {
+
+using keyasn::detail::kHighTagForm;
 
 constexpr char kWhereReadAsnInfo[] = "CASNTBaseRecord::ReadASNInfo";
 constexpr char kWhereReadData[] = "CASNTBaseRecord::ReadData";
@@ -18,7 +22,6 @@ constexpr char kWhereWriteData[] = "CASNTBaseRecord::WriteData";
 
 constexpr unsigned int kIndefinite = 0xFFFFFFFFu;
 constexpr unsigned int kNoPosition = 0xFFFFFFFFu;
-constexpr unsigned char kHighTagForm = 0x1F;
 constexpr unsigned char kIndefiniteOctet = 0x80;
 constexpr unsigned int kMaxFileLengthOctets = 4;
 
@@ -165,8 +168,8 @@ unsigned int CASNTBaseRecord::GetObjectSize() const {
 }
 
 IdentObj CASNTBaseRecord::WriteTag() const {
-  unsigned char octets[keyasn::detail::kMaxTagOctets];
-  const unsigned int n = keyasn::detail::PutTagOctets(
+  unsigned char octets[keyasn::detail::kMaxIdentifierOctets];
+  const unsigned int n = keyasn::detail::PutIdentifier(
       octets, static_cast<unsigned char>(header.Class | header.Constructed), header.Tag);
   return IdentObj(octets, n);
 }

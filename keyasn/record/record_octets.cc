@@ -6,34 +6,8 @@ namespace keyasn {
 namespace detail {
 
 namespace {
-constexpr unsigned char kHighTagForm = 0x1F;
-constexpr unsigned int kMaxLowTag = 30;
 constexpr unsigned int kMaxShortLength = 127;
 }  // namespace
-
-unsigned int TagOctetsSize(unsigned int tag) {
-  if (tag <= kMaxLowTag) return 1;
-  unsigned int groups = 0;
-  do {
-    ++groups;
-    tag >>= 7;
-  } while (tag != 0);
-  return 1 + groups;
-}
-
-unsigned int PutTagOctets(unsigned char* out, unsigned char first, unsigned int tag) {
-  if (tag <= kMaxLowTag) {
-    out[0] = static_cast<unsigned char>(first | tag);
-    return 1;
-  }
-  const unsigned int n = TagOctetsSize(tag);
-  out[0] = static_cast<unsigned char>(first | kHighTagForm);
-  for (unsigned int i = n - 1; i >= 1; --i) {
-    out[i] = static_cast<unsigned char>((tag & 0x7F) | (i + 1 < n ? 0x80 : 0));
-    tag >>= 7;
-  }
-  return n;
-}
 
 unsigned int SizeOctetsSize(unsigned int length) {
   if (length <= kMaxShortLength) return 1;

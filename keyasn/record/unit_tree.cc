@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/octets.h"
 #include "keyasn/record/record_octets.h"
 
 namespace keyasn {
@@ -203,7 +204,7 @@ void LayOutUnit(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   for (size_t i = nodes->size(); i-- > 0;) {
     UnitNode& node = (*nodes)[i];
     if (node.branch) {
-      node.size = TagOctetsSize(node.record->GetTag()) + SizeOctetsSize(node.contents) +
+      node.size = IdentifierSize(node.record->GetTag()) + SizeOctetsSize(node.contents) +
                   node.contents;
     } else {
       node.size = node.record->GetObjectSize();
@@ -227,9 +228,9 @@ unsigned int WriteUnitNodes(const std::vector<UnitNode>& nodes, unsigned char* b
         continue;
       }
       const ASNT_ASN_STRUCT_INFO& header = Access::Header(*node.record);
-      offset += PutTagOctets(buffer + offset,
-                             static_cast<unsigned char>(header.Class | header.Constructed),
-                             header.Tag);
+      offset += PutIdentifier(buffer + offset,
+                              static_cast<unsigned char>(header.Class | header.Constructed),
+                              header.Tag);
       offset += PutSizeOctets(buffer + offset, node.contents);
       open.push_back(static_cast<unsigned int>(i));
       ++i;
