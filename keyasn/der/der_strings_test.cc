@@ -40,39 +40,35 @@ bool Printable(unsigned char c) {
 
 bool Numeric(unsigned char c) { return (c >= '0' && c <= '9') || c == ' '; }
 
-TEST(DerStrings, ToPrintableCharOverAllOctets) {
-  int kept = 0;
-  for (int v = 0; v < 256; ++v) {
-    SCOPED_TRACE(v);
-    const char c = static_cast<char>(v);
-    const bool keep = Printable(static_cast<unsigned char>(v));
-    kept += keep;
-    EXPECT_EQ(DerHelper::ToPrintableChar(c), keep ? c : '.');
-  }
-  EXPECT_EQ(kept, 74);
-  EXPECT_EQ(DerHelper::ToPrintableChar('\0'), '.');
-}
+bool Ia5(unsigned char c) { return c <= 0x7F; }
 
-TEST(DerStrings, ToNumericCharOverAllOctets) {
-  int kept = 0;
-  for (int v = 0; v < 256; ++v) {
-    SCOPED_TRACE(v);
-    const char c = static_cast<char>(v);
-    const bool keep = Numeric(static_cast<unsigned char>(v));
-    kept += keep;
-    EXPECT_EQ(DerHelper::ToNumericChar(c), keep ? c : ' ');
+TEST(DerStrings, CharFiltersOverAllOctets) {
+  struct Row {
+    const char* name;
+    char (*filter)(char);
+    bool (*member)(unsigned char);
+    char replacement;
+    int kept;
+    char nul;  // what NUL becomes
+  };
+  const Row rows[] = {
+      {"printable", &DerHelper::ToPrintableChar, Printable, '.', 74, '.'},
+      {"numeric", &DerHelper::ToNumericChar, Numeric, ' ', 11, ' '},
+      {"IA5", &DerHelper::ToIa5Char, Ia5, '.', 128, '\0'},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    int kept = 0;
+    for (int v = 0; v < 256; ++v) {
+      SCOPED_TRACE(v);
+      const char c = static_cast<char>(v);
+      const bool keep = row.member(static_cast<unsigned char>(v));
+      kept += keep;
+      EXPECT_EQ(row.filter(c), keep ? c : row.replacement);
+    }
+    EXPECT_EQ(kept, row.kept);
+    EXPECT_EQ(row.filter('\0'), row.nul);
   }
-  EXPECT_EQ(kept, 11);
-  EXPECT_EQ(DerHelper::ToNumericChar('\0'), ' ');
-}
-
-TEST(DerStrings, ToIa5CharOverAllOctets) {
-  for (int v = 0; v < 256; ++v) {
-    SCOPED_TRACE(v);
-    const char c = static_cast<char>(v);
-    EXPECT_EQ(DerHelper::ToIa5Char(c), v <= 0x7F ? c : '.');
-  }
-  EXPECT_EQ(DerHelper::ToIa5Char('\0'), '\0');
 }
 
 // ---------------------------------------------------------------------------

@@ -9,6 +9,7 @@
 
 namespace {
 
+using keyasn::testing::Bytes;
 using keyasn::testing::Exact;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
@@ -202,7 +203,7 @@ TEST(DerTime, RoundTrips) {
 
 TEST(DerTime, PrefixesNeverReadBeyondTheBuffer) {
   const IdentObj whole = Element(0x18, "20170305070809.5+0330");
-  const std::vector<unsigned char> bytes(whole.GetData(), whole.GetData() + whole.Count());
+  const std::vector<unsigned char> bytes = Bytes(whole);
   for (std::size_t n = 0; n < bytes.size(); ++n) {
     SCOPED_TRACE(n);
     const IdentObj prefix = Exact(bytes, n);

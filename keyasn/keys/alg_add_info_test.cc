@@ -11,6 +11,7 @@
 
 namespace {
 
+using keyasn::testing::Bytes;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
 using keyasn::testing::ToHex;
@@ -284,7 +285,7 @@ TEST(CASNAlgAddInfo, ReadObjectCases) {
 
 TEST(CASNAlgAddInfo, ReadObjectThenDecode) {
   const CASNAlgAddInfo source(kSign, kHash, kEncrypt);
-  const std::vector<unsigned char> bytes(source.GetData(), source.GetData() + source.Count());
+  const std::vector<unsigned char> bytes = Bytes(source);
   CASNAlgAddInfo info(nullptr, nullptr, nullptr);
   EXPECT_EQ(info.ReadObject(bytes.data(), static_cast<unsigned int>(bytes.size())),
             source.Count());

@@ -89,22 +89,28 @@ TEST(ASNCryptokiElemInfo, TypeValues) {
   }
 }
 
-TEST(ASNCryptokiElemInfo, ItemTagsAreNotChecked) {
-  // An OCTET STRING as the number (octets taken least significant first) and an
-  // INTEGER as the value (its decoded form, reversed).
-  const std::vector<unsigned char> bytes = HexBytes("30 08 04 02 01 02 02 02 03 04");
-  ASNCryptokiElemInfo elem;
-  EXPECT_EQ(elem.ReadData(bytes.data(), Size(bytes), nullptr), 10u);
-  EXPECT_EQ(elem.Type, 0x0201u);
-  EXPECT_EQ(ToHex(elem.Value), "04 03");
-}
-
-TEST(ASNCryptokiElemInfo, FurtherItemsAreIgnored) {
-  const std::vector<unsigned char> bytes = HexBytes("30 09 02 01 05 04 01 41 02 01 07");
-  ASNCryptokiElemInfo elem;
-  EXPECT_EQ(elem.ReadData(bytes.data(), Size(bytes), nullptr), 11u);
-  EXPECT_EQ(elem.Type, 5u);
-  EXPECT_EQ(ToHex(elem.Value), "41");
+TEST(ASNCryptokiElemInfo, LenientReads) {
+  struct Row {
+    const char* name;
+    const char* hex;
+    unsigned int used;
+    unsigned int type;
+    const char* value;
+  };
+  const Row rows[] = {
+      // An OCTET STRING as the number (octets taken least significant first) and an
+      // INTEGER as the value (its decoded form, reversed).
+      {"item tags are not checked", "30 08 04 02 01 02 02 02 03 04", 10, 0x0201u, "04 03"},
+      {"further items are ignored", "30 09 02 01 05 04 01 41 02 01 07", 11, 5, "41"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::vector<unsigned char> bytes = HexBytes(row.hex);
+    ASNCryptokiElemInfo elem;
+    EXPECT_EQ(elem.ReadData(bytes.data(), Size(bytes), nullptr), row.used);
+    EXPECT_EQ(elem.Type, row.type);
+    EXPECT_EQ(ToHex(elem.Value), row.value);
+  }
 }
 
 TEST(ASNCryptokiElemInfo, IntegerWiderThanTheFieldIsRefused) {

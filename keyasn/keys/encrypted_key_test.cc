@@ -10,6 +10,7 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
@@ -36,7 +37,7 @@ TEST(CASNEncryptedKey, WritesTwoOctetStringsAndReadsThemBack) {
   const IdentObj der = CASNEncryptedKey(k, 2, t, 1).WriteData();
   EXPECT_EQ(ToHex(der), "30 07 04 02 01 02 04 01 03");
 
-  const std::vector<unsigned char> bytes(der.GetData(), der.GetData() + der.Count());
+  const std::vector<unsigned char> bytes = Bytes(der);
   CASNEncryptedKey back = Fresh();
   EXPECT_EQ(back.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size())), 9u);
   EXPECT_EQ(ToHex(back.encryptedKey), "01 02");
@@ -54,7 +55,7 @@ TEST(CASNEncryptedKey, RoundTripsLongFormLengths) {
     CASNEncryptedKey key(n ? k.data() : nullptr, n ? n : 1, t, 2);
     const IdentObj der = key.WriteData();
     ASSERT_GT(der.Count(), 0u);
-    const std::vector<unsigned char> bytes(der.GetData(), der.GetData() + der.Count());
+    const std::vector<unsigned char> bytes = Bytes(der);
     CASNEncryptedKey back = Fresh();
     EXPECT_EQ(back.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size())),
               der.Count());
@@ -120,22 +121,26 @@ TEST(CASNEncryptedKey, ReadFailures) {
   }
 }
 
-TEST(CASNEncryptedKey, OnlyTheContentsLengthIsComparedWithTheInput) {
-  // The SEQUENCE claims 7 contents octets and the input holds 6 behind the header:
-  // the input is not below the contents length, and both items lie within it.
-  const std::vector<unsigned char> bytes = HexBytes("30 07 04 01 AA 04 01 BB");
-  CASNEncryptedKey key = Fresh();
-  EXPECT_EQ(key.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size())), 8u);
-  EXPECT_EQ(ToHex(key.encryptedKey), "AA");
-  EXPECT_EQ(ToHex(key.additionalData), "BB");
-}
-
-TEST(CASNEncryptedKey, OnlyTagNumbersOfItemsAreTested) {
-  const std::vector<unsigned char> bytes = HexBytes("30 06 84 01 AA 84 01 BB");
-  CASNEncryptedKey key = Fresh();
-  EXPECT_EQ(key.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size())), 8u);
-  EXPECT_EQ(ToHex(key.encryptedKey), "AA");
-  EXPECT_EQ(ToHex(key.additionalData), "BB");
+TEST(CASNEncryptedKey, LenientReads) {
+  struct Row {
+    const char* name;
+    const char* hex;
+  };
+  const Row rows[] = {
+      // The SEQUENCE claims 7 contents octets and the input holds 6 behind the
+      // header: the input is not below the contents length, and both items lie
+      // within it.
+      {"only the contents length is compared with the input", "30 07 04 01 AA 04 01 BB"},
+      {"only tag numbers of items are tested", "30 06 84 01 AA 84 01 BB"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::vector<unsigned char> bytes = HexBytes(row.hex);
+    CASNEncryptedKey key = Fresh();
+    EXPECT_EQ(key.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size())), 8u);
+    EXPECT_EQ(ToHex(key.encryptedKey), "AA");
+    EXPECT_EQ(ToHex(key.additionalData), "BB");
+  }
 }
 
 TEST(CASNEncryptedKey, TrailingOctetsAreNotConsumed) {

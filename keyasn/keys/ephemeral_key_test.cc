@@ -16,6 +16,7 @@ using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
 using keyasn::testing::Octets;
+using keyasn::testing::ReadsWithoutStatus;
 using keyasn::testing::Size;
 using keyasn::testing::Tlv;
 using keyasn::testing::ToHex;
@@ -42,6 +43,16 @@ Octets Encoding(const Octets& oid, const Octets& idDer, const Octets& bitString,
                 const Octets& trailer) {
   const Octets keyPart = bitString.empty() ? Octets() : Tlv(0xA0, Cat({idDer, bitString}));
   return Tlv(0xA0, Cat({oid, keyPart, trailer}));
+}
+
+// KeyBitsRead reads an element whose key part holds `bitString` (hex), expects the
+// whole element to be used and returns the key bits read, in hex.
+std::string KeyBitsRead(const char* bitString) {
+  const Octets bytes = Encoding(HexBytes("06 01 2A"), HexBytes("30 03 06 01 2A"),
+                                HexBytes(bitString), HexBytes("04 00"));
+  CASNEphemeralKeyInfo info;
+  EXPECT_EQ(info.ReadData(bytes.data(), Size(bytes)), bytes.size());
+  return ToHex(info.keyBits);
 }
 
 TEST(CASNEphemeralKeyInfo, WritesAndReadsBack) {
@@ -123,11 +134,7 @@ TEST(CASNEphemeralKeyInfo, UnusedBitsAreClearedInTheLastKeyOctet) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.bitString);
-    const Octets bytes = Encoding(HexBytes("06 01 2A"), HexBytes("30 03 06 01 2A"),
-                                  HexBytes(row.bitString), HexBytes("04 00"));
-    CASNEphemeralKeyInfo info;
-    EXPECT_EQ(info.ReadData(bytes.data(), Size(bytes)), bytes.size());
-    EXPECT_EQ(ToHex(info.keyBits), row.keyBits);
+    EXPECT_EQ(KeyBitsRead(row.bitString), row.keyBits);
   }
 }
 
@@ -148,11 +155,7 @@ TEST(CASNEphemeralKeyInfo, KeyBitsAreResizedToTheirOctetStringHeader) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const Octets bytes = Encoding(HexBytes("06 01 2A"), HexBytes("30 03 06 01 2A"),
-                                  HexBytes(row.bitString), HexBytes("04 00"));
-    CASNEphemeralKeyInfo info;
-    EXPECT_EQ(info.ReadData(bytes.data(), Size(bytes)), bytes.size());
-    EXPECT_EQ(ToHex(info.keyBits), row.keyBits);
+    EXPECT_EQ(KeyBitsRead(row.bitString), row.keyBits);
   }
 }
 
@@ -265,11 +268,7 @@ TEST(CASNEphemeralKeyInfo, EveryProperPrefixIsRefused) {
   info.keyBits = Hex("04 04 11 22 33 44");
   info.trailerData = Hex("AA BB");
   const Octets whole = Bytes(info.WriteData());
-  EXPECT_TRUE(AcceptedPrefixes(whole, [](const unsigned char* d, unsigned int n) {
-                CASNEphemeralKeyInfo read;
-                read.ReadData(d, n);
-                return true;
-              }).empty());
+  EXPECT_TRUE(AcceptedPrefixes(whole, ReadsWithoutStatus<CASNEphemeralKeyInfo>).empty());
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::ReadsWithoutStatus;
 using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
@@ -248,11 +249,7 @@ TEST(CASNExchangeKeyData, ReadFailures) {
 
 TEST(CASNExchangeKeyData, EveryProperPrefixIsRefused) {
   const std::vector<unsigned char> bytes = HexBytes("30 0A 30 03 02 01 05 30 03 02 01 07");
-  EXPECT_TRUE(AcceptedPrefixes(bytes, [](const unsigned char* d, unsigned int n) {
-                CASNExchangeKeyData data;
-                data.ReadData(d, n);
-                return true;
-              }).empty());
+  EXPECT_TRUE(AcceptedPrefixes(bytes, ReadsWithoutStatus<CASNExchangeKeyData>).empty());
 }
 
 // ---- CASNProxyKeyExchangeData ----
@@ -307,11 +304,7 @@ TEST(CASNProxyKeyExchangeData, ReadFailures) {
 
 TEST(CASNProxyKeyExchangeData, EveryProperPrefixIsRefused) {
   const std::vector<unsigned char> bytes = HexBytes("30 09 30 03 02 01 05 04 02 AB CD");
-  EXPECT_TRUE(AcceptedPrefixes(bytes, [](const unsigned char* d, unsigned int n) {
-                CASNProxyKeyExchangeData data;
-                data.ReadData(d, n);
-                return true;
-              }).empty());
+  EXPECT_TRUE(AcceptedPrefixes(bytes, ReadsWithoutStatus<CASNProxyKeyExchangeData>).empty());
 }
 
 TEST(ExportRecords, CopiesAreDeep) {

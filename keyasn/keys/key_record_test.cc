@@ -10,6 +10,7 @@
 namespace {
 
 using keyasn::testing::AcceptedPrefixes;
+using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
@@ -26,7 +27,7 @@ TEST(CASNKeyRecord, WritesTheElementThenTheKeyBlob) {
   EXPECT_EQ(ToHex(out), "02 01 05 02 00 00 00 AA BB");
 
   CASNKeyRecord back;
-  const std::vector<unsigned char> bytes(out.GetData(), out.GetData() + out.Count());
+  const std::vector<unsigned char> bytes = Bytes(out);
   int code = -1;
   EXPECT_EQ(back.ReadData(bytes.data(), Size(bytes), &code), 9u);
   EXPECT_EQ(code, 0);
@@ -48,7 +49,7 @@ TEST(CASNKeyRecord, RoundTripsLargeMembers) {
     record.key = IdentObj(keyOctets.data(), n);
     const IdentObj out = record.WriteData();
     ASSERT_EQ(out.Count(), 5 + n + 4 + n);
-    const std::vector<unsigned char> bytes(out.GetData(), out.GetData() + out.Count());
+    const std::vector<unsigned char> bytes = Bytes(out);
     CASNKeyRecord back;
     EXPECT_EQ(back.ReadData(bytes.data(), Size(bytes), nullptr), out.Count());
     EXPECT_EQ(back.descriptor, record.descriptor);

@@ -27,6 +27,7 @@ using keyasn::testing::Bytes;
 using keyasn::testing::ExpectStatus;
 using keyasn::testing::Hex;
 using keyasn::testing::HexBytes;
+using keyasn::testing::ReadsWithoutStatus;
 using keyasn::testing::Size;
 using keyasn::testing::ToHex;
 
@@ -134,11 +135,7 @@ TEST(CASNPublicKeyInfo, ReadFailures) {
 TEST(CASNPublicKeyInfo, EveryProperPrefixIsRefused) {
   const std::vector<unsigned char> bytes =
       HexBytes(std::string("30 15 ") + kRsaAlg + " 03 04 00 AA BB CC");
-  EXPECT_TRUE(AcceptedPrefixes(bytes, [](const unsigned char* d, unsigned int n) {
-                CASNPublicKeyInfo info;
-                info.ReadData(d, n);
-                return true;
-              }).empty());
+  EXPECT_TRUE(AcceptedPrefixes(bytes, ReadsWithoutStatus<CASNPublicKeyInfo>).empty());
 }
 
 // ---- The system's CA certificates, with OpenSSL as the oracle ----

@@ -98,6 +98,15 @@ inline std::vector<size_t> AcceptedPrefixes(
   return accepted;
 }
 
+// ReadsWithoutStatus is a reader for AcceptedPrefixes: a fresh `Record` reads the
+// octets, and returning at all (without an XRUVStatus) counts as accepting them.
+template <class Record>
+bool ReadsWithoutStatus(const unsigned char* data, unsigned int size) {
+  Record record;
+  record.ReadData(data, size);
+  return true;
+}
+
 // PutLength appends the DER length octets of `length`.
 inline void PutLength(Octets* out, size_t length) {
   if (length < 128) {
