@@ -8,9 +8,9 @@ namespace detail {
 
 int ReadTagNumber(const unsigned char* data, unsigned int size, unsigned int* tag,
                   unsigned int* end) {
-  unsigned int number = data[0] & kHighTagForm;
+  unsigned int number = data[0] & tags::kHighTagForm;
   unsigned int pos = 1;
-  if (number == kHighTagForm) {
+  if (number == tags::kHighTagForm) {
     number = 0;
     for (;;) {
       if (pos >= size) return kErrBadIdentifier;  // still inside the high tag form

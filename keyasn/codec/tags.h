@@ -1,9 +1,11 @@
-// Universal tag numbers and identifier bits the library's readers and writers use.
+// Universal tag numbers and identifier bits the library's readers and writers use,
+// in a namespace of their own so that a file takes them all with one directive.
 #ifndef KEYASN_CODEC_TAGS_H_
 #define KEYASN_CODEC_TAGS_H_
 
 namespace keyasn {
 namespace detail {
+namespace tags {
 
 constexpr unsigned int kBooleanTag = 1;
 constexpr unsigned int kIntegerTag = 2;
@@ -24,6 +26,7 @@ constexpr unsigned char kContextClass = 0x80;
 // The low bits of an identifier octet that announce the high tag number form.
 constexpr unsigned char kHighTagForm = 0x1F;
 
+}  // namespace tags
 }  // namespace detail
 }  // namespace keyasn
 

@@ -12,12 +12,7 @@ namespace {
 
 using keyasn::detail::DecodeDerElement;
 using keyasn::detail::EncodeDerElement;
-using keyasn::detail::kBitStringTag;
-using keyasn::detail::kBooleanTag;
-using keyasn::detail::kContextClass;
-using keyasn::detail::kIntegerTag;
-using keyasn::detail::kObjectIdTag;
-using keyasn::detail::kOctetStringTag;
+using namespace keyasn::detail::tags;
 
 // The library's own mark of a negative INTEGER (kept for compatibility with
 // existing encodings).

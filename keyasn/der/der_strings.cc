@@ -12,11 +12,7 @@
 namespace {
 
 using keyasn::detail::EncodeDerElement;
-using keyasn::detail::kIa5StringTag;
-using keyasn::detail::kNumericStringTag;
-using keyasn::detail::kOctetStringTag;
-using keyasn::detail::kPrintableStringTag;
-using keyasn::detail::kUtf8StringTag;
+using namespace keyasn::detail::tags;
 
 constexpr char kPrintableAlphabet[] =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 '()+,-./:=?";

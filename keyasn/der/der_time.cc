@@ -6,7 +6,7 @@
 
 namespace {
 
-using keyasn::detail::kGeneralizedTimeTag;
+using namespace keyasn::detail::tags;
 
 }  // namespace
 

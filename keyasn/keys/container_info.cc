@@ -11,10 +11,7 @@
 
 namespace {
 
-using keyasn::detail::kContextClass;
-using keyasn::detail::kIntegerTag;
-using keyasn::detail::kOctetStringTag;
-using keyasn::detail::kSequenceTag;
+using namespace keyasn::detail::tags;
 
 // Both directions report under the writer's name (kept: callers match on it).
 constexpr char kPlace[] = "ASNContainerInfo::WriteData";

@@ -12,9 +12,7 @@
 
 namespace {
 
-using keyasn::detail::kNullTag;
-using keyasn::detail::kObjectIdTag;
-using keyasn::detail::kSequenceTag;
+using namespace keyasn::detail::tags;
 
 constexpr char kReadPlace[] = "CASNTIdData::ReadData";
 constexpr unsigned int kIndefinite = 0xFFFFFFFF;

@@ -17,11 +17,7 @@
 
 namespace {
 
-using keyasn::detail::kBitStringTag;
-using keyasn::detail::kContextClass;
-using keyasn::detail::kIntegerTag;
-using keyasn::detail::kOctetStringTag;
-using keyasn::detail::kSequenceTag;
+using namespace keyasn::detail::tags;
 
 constexpr char kReadPlace[] = "ASNKeyInfo::ReadData";
 constexpr char kSplitPlace[] = "ASNKeyInfo::ReadData ASNTGetSequence";

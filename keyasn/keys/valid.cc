@@ -19,10 +19,7 @@ const CRUVFileTime kValidityTimeLimit(141690816010000000UL);
 
 namespace {
 
-using keyasn::detail::kContextClass;
-using keyasn::detail::kGeneralizedTimeTag;
-using keyasn::detail::kSequenceTag;
-using keyasn::detail::kUtcTimeTag;
+using namespace keyasn::detail::tags;
 
 unsigned int TimeTag(const CRUVFileTime& time) {
   return time < keyasn::detail::kValidityTimeLimit ? kUtcTimeTag : kGeneralizedTimeTag;

@@ -14,7 +14,7 @@
 
 namespace {
 
-using keyasn::detail::kHighTagForm;
+using namespace keyasn::detail::tags;
 
 constexpr char kWhereReadAsnInfo[] = "CASNTBaseRecord::ReadASNInfo";
 constexpr char kWhereReadData[] = "CASNTBaseRecord::ReadData";
