@@ -28,14 +28,19 @@ size_t CheckConsecutive(const Items& items, const uint8_t* data, size_t size) {
   return at;
 }
 
-// An item in the indefinite form is measured with the octets that follow it (a
-// primitive one is copied without its closing 00 00; only the first octet of an
-// end-of-contents pair is looked at), so it need not split the same way elsewhere.
+// An item in the indefinite form (or whose long-form length reads as 0xFFFFFFFF,
+// the same mark) is measured with the octets that follow it: a primitive one is
+// copied without its closing 00 00, and only the first octet of an
+// end-of-contents pair is looked at. Such an item need not split the same way
+// elsewhere.
 bool HasIndefinite(const Items& items) {
   for (const IdentObj& item : items) {
     IdentObj tag;
     if (GetTagFromEncoded(item, &tag, nullptr, nullptr, nullptr) != 0) return true;
     if (tag.Count() < item.Count() && item.GetData()[tag.Count()] == 0x80) return true;
+    ASNT_ASN_STRUCT_INFO info;
+    if (ASNTGetAsnInfo(info, item.GetData(), item.Count()) != 0 || info.Length == 0xFFFFFFFFu)
+      return true;
   }
   return false;
 }
