@@ -1,9 +1,9 @@
-// Robustness sweeps: every corpus file and every sample, whole, cut short and with
-// one octet changed, fed to the readers of every fuzz target. Each reader must
-// succeed or report a code or an XRUVStatus; nothing may escape, crash or trip a
-// sanitizer. Small files get every prefix and every position changed; larger ones
-// a deterministic sample of positions, so the sweep stays quick under the
-// sanitizers.
+// Robustness sweeps: every corpus file, every sample and every saved fuzz input,
+// whole, cut short and with one octet changed, fed to the readers of every fuzz
+// target. Each reader must succeed or report a code or an XRUVStatus; nothing may
+// escape, crash or trip a sanitizer. The samples get every prefix and every
+// position changed; of the other files the small ones do too, the larger ones a
+// deterministic sample of positions, so the sweep stays quick under the sanitizers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -80,10 +80,25 @@ const std::vector<InputFile>& Corpus() {
   return files;
 }
 
-// The samples of the source tree and the saved fuzz inputs.
+// The key records and parameter sets of the source tree (not their generator).
 const std::vector<InputFile>& Samples() {
   static const std::vector<InputFile> files = [] {
     std::vector<InputFile> all = Load(fs::path(KEYASN_SOURCE_DIR) / "samples");
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [](const InputFile& file) {
+                               const std::string ext = fs::path(file.name).extension().string();
+                               return ext != ".der" && ext != ".bin";
+                             }),
+              all.end());
+    return all;
+  }();
+  return files;
+}
+
+// The fuzz targets' seeds and the inputs that once broke a property.
+const std::vector<InputFile>& SavedInputs() {
+  static const std::vector<InputFile> files = [] {
+    std::vector<InputFile> all;
     for (const char* dir : {"fuzz/seeds", "fuzz/regressions"}) {
       std::vector<InputFile> more = Load(fs::path(KEYASN_SOURCE_DIR) / dir);
       all.insert(all.end(), more.begin(), more.end());
@@ -93,11 +108,15 @@ const std::vector<InputFile>& Samples() {
   return files;
 }
 
-// Positions to cut at and to change: all of them for small inputs; otherwise the
-// first and last few and the rest spread with a stride that depends on the file.
-std::vector<size_t> Positions(size_t size, size_t salt, bool files) {
+enum class Coverage { kEveryPosition, kSampled };
+
+// Positions to cut at and to change: all of them for small inputs (or when asked
+// for); otherwise the first and last few and the rest spread with a stride that
+// depends on the file.
+std::vector<size_t> Positions(size_t size, size_t salt, bool files, Coverage coverage) {
   std::vector<size_t> at;
-  if (size <= (files ? kFileEveryPosition : kEveryPosition)) {
+  if (coverage == Coverage::kEveryPosition ||
+      size <= (files ? kFileEveryPosition : kEveryPosition)) {
     for (size_t i = 0; i < size; ++i) at.push_back(i);
     return at;
   }
@@ -123,7 +142,8 @@ uint8_t Changed(uint8_t was, size_t rotation) {
 
 // Runs `family` over each file, its prefixes and its changed forms; returns the
 // number of failures (reporting the first few).
-size_t Sweep(const std::string& familyName, const std::vector<InputFile>& files) {
+size_t Sweep(const std::string& familyName, const std::vector<InputFile>& files,
+             Coverage coverage = Coverage::kSampled) {
   keyasn_fuzz::Family family = FamilyNamed(familyName);
   size_t failures = 0;
   size_t runs = 0;
@@ -136,7 +156,7 @@ size_t Sweep(const std::string& familyName, const std::vector<InputFile>& files)
   for (size_t f = 0; f < files.size(); ++f) {
     const std::vector<uint8_t>& octets = files[f].octets;
     run(octets, files[f].name);
-    for (size_t at : Positions(octets.size(), f, Costly(familyName))) {
+    for (size_t at : Positions(octets.size(), f, Costly(familyName), coverage)) {
       run(std::vector<uint8_t>(octets.begin(), octets.begin() + at),
           files[f].name + " cut at " + std::to_string(at));
       std::vector<uint8_t> changed = octets;
@@ -155,9 +175,14 @@ TEST_P(Robustness, CorpusWholeCutAndChanged) {
   EXPECT_EQ(Sweep(GetParam(), Corpus()), 0u);
 }
 
-TEST_P(Robustness, SamplesWholeCutAndChanged) {
+TEST_P(Robustness, SamplesEveryPrefixAndEveryPositionChanged) {
   ASSERT_FALSE(Samples().empty());
-  EXPECT_EQ(Sweep(GetParam(), Samples()), 0u);
+  EXPECT_EQ(Sweep(GetParam(), Samples(), Coverage::kEveryPosition), 0u);
+}
+
+TEST_P(Robustness, SavedInputsWholeCutAndChanged) {
+  ASSERT_FALSE(SavedInputs().empty());
+  EXPECT_EQ(Sweep(GetParam(), SavedInputs()), 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, Robustness, ::testing::ValuesIn(FamilyNames()),
