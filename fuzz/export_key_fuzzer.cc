@@ -39,13 +39,18 @@ KEYASN_FUZZ_TARGET(export_key) {
       },
       [](const CASNKeyRecord& record) { return record.WriteData(); });
 
-  // A key record read over another one, copied and reset.
+  // A key record read over another one, copied, assigned over a filled one and
+  // reset.
   CASNKeyRecord record;
   int err = 0;
   (void)record.ReadData(data, keyasn_fuzz::Size32(size), &err);
   (void)record.ReadData(data, keyasn_fuzz::Size32(size), &err);
   CASNKeyRecord copy(record);
   KEYASN_FUZZ_CHECK(copy.WriteData() == record.WriteData());
+  CASNKeyRecord assigned(copy);
+  assigned = record;
+  assigned = *&assigned;  // to itself
+  KEYASN_FUZZ_CHECK(assigned.WriteData() == record.WriteData());
   copy.ResetKey();
   KEYASN_FUZZ_CHECK(keyasn_fuzz::Guard([&] {
     CASNKeyRecord none;
