@@ -38,92 +38,93 @@ std::string OctetCount(std::size_t n) {
 
 // Frame is a constructed (or opened primitive) element whose children are being read.
 struct Frame {
-  int element;        // index of the element, -1 for the top level
+  Element element;    // the element itself (offset -1 stands for the top level)
+  bool top;           // the top level: no element
   std::size_t end;    // offset just behind its contents (the input end when indefinite)
   bool indefinite;    // children end at a 00 00 pair
   int depth;          // depth of its children
   bool encapsulated;  // children sit inside a primitive's contents
+  bool silent;        // children are walked but not reported
 };
 
 class Walker {
  public:
-  Walker(const unsigned char* data, std::size_t size, const WalkOptions& options)
-      : data_(data), size_(size), options_(options) {}
+  Walker(const unsigned char* data, std::size_t size, const WalkOptions& options, WalkSink* sink)
+      : data_(data), size_(size), options_(options), sink_(sink) {}
 
-  Tree Run();
+  WalkResult Run();
 
  private:
   // Fail ends the walk. The error reported is the first one met: a truncated
   // constructed element is only noted, and the walk goes on inside it as far as
   // the data goes, so that the tree shows where the data ends.
   bool Fail(std::size_t offset, int code, const std::string& meaning) {
-    tree_.failed = true;
+    result_.failed = true;
     if (pending_) {
-      tree_.error = pending_error_;
+      result_.error = pending_error_;
     } else {
-      tree_.error.offset = offset;
-      tree_.error.code = code;
-      tree_.error.meaning = meaning;
+      result_.error.offset = offset;
+      result_.error.code = code;
+      result_.error.meaning = meaning;
     }
     return false;
   }
-  int AddElement(const Element& element, const Frame& frame) {
-    const int index = static_cast<int>(tree_.elements.size());
-    tree_.elements.push_back(element);
-    if (frame.element < 0) {
-      tree_.roots.push_back(index);
-    } else {
-      tree_.elements[frame.element].children.push_back(index);
-    }
-    return index;
+  // Report passes an element to the sink (unless inside a silent frame); the
+  // answer says whether its children are wanted.
+  bool Report(const Element& element, const Frame& frame) {
+    return frame.silent ? false : sink_->Enter(element);
+  }
+  void Close() {
+    const Frame& frame = frames_.back();
+    if (!frame.top && !frame.silent) sink_->Leave(frame.element);
+    frames_.pop_back();
   }
   bool Step();
   bool ExplainHeaderFailure(std::size_t pos, std::size_t left, int code);
-  bool HoldsDer(const unsigned char* contents, std::size_t size) const;
 
   const unsigned char* data_;
   std::size_t size_;
   WalkOptions options_;
-  Tree tree_;
+  WalkSink* sink_;
+  WalkResult result_;
   std::vector<Frame> frames_;
   std::size_t pos_ = 0;
   bool pending_ = false;
   WalkError pending_error_;
 };
 
-Tree Walker::Run() {
-  frames_.push_back(Frame{-1, size_, false, 0, false});
+WalkResult Walker::Run() {
+  frames_.push_back(Frame{Element(), true, size_, false, 0, false, false});
   while (!frames_.empty() && Step()) {
   }
-  if (pending_ && !tree_.failed) Fail(0, 0, std::string());
-  return std::move(tree_);
+  if (pending_ && !result_.failed) Fail(0, 0, std::string());
+  return result_;
 }
 
 // Step reads one element (or closes one frame); false when the walk is over.
 bool Walker::Step() {
-  Frame frame = frames_.back();
+  const Frame& frame = frames_.back();
   if (frame.indefinite) {
     if (pos_ + 2 <= frame.end && data_[pos_] == 0 && data_[pos_ + 1] == 0) {
       Element eoc;
       eoc.offset = pos_;
       eoc.header_length = 2;
       eoc.depth = frame.depth;
-      eoc.parent = frame.element;
       eoc.encapsulated = frame.encapsulated;
       eoc.end_of_contents = true;
-      AddElement(eoc, frame);
-      Element& owner = tree_.elements[frame.element];
+      Report(eoc, frame);
+      Element& owner = frames_.back().element;
       owner.length = pos_ - (owner.offset + owner.header_length);
       pos_ += 2;
-      frames_.pop_back();
+      Close();
       return true;
     }
     if (pos_ >= frame.end) {
-      return Fail(tree_.elements[frame.element].offset, 206,
+      return Fail(frame.element.offset, 206,
                   "indefinite length without end-of-contents octets (00 00)");
     }
   } else if (pos_ >= frame.end) {
-    frames_.pop_back();
+    Close();
     return !frames_.empty();
   }
 
@@ -143,7 +144,6 @@ bool Walker::Step() {
   element.constructed = info.Constructed != 0;
   element.tag = info.Tag;
   element.depth = frame.depth;
-  element.parent = frame.element;
   element.encapsulated = frame.encapsulated;
   // The parser accepted the header, so its identifier octets lie within it.
   std::size_t id_length = 1;
@@ -166,10 +166,13 @@ bool Walker::Step() {
     return Fail(pos_, 206, "indefinite length");
   }
   const std::size_t after_header = left - element.header_length;
+  const int depth = frame.depth;
+  const std::size_t frame_end = frame.end;
+  const bool silent = frame.silent;
   if (element.indefinite && element.constructed) {
-    const int index = AddElement(element, frame);
+    const bool wanted = Report(element, frame);
     pos_ += element.header_length;
-    frames_.push_back(Frame{index, frame.end, true, frame.depth + 1, false});
+    frames_.push_back(Frame{element, false, frame_end, true, depth + 1, false, silent || !wanted});
     return true;
   }
   std::size_t total;
@@ -183,30 +186,33 @@ bool Walker::Step() {
     if (element.length > after_header) {
       const std::string meaning = "length " + std::to_string(element.length) +
                                   " runs past the end of the " +
-                                  (frame.element < 0 ? "data" : "enclosing element") + " (" +
+                                  (frame.top ? "data" : "enclosing element") + " (" +
                                   OctetCount(after_header) + " left)";
       if (!element.constructed) return Fail(pos_, 206, meaning);
       if (!pending_) {
         pending_ = true;
         pending_error_ = WalkError{pos_, 206, meaning};
       }
-      const int index = AddElement(element, frame);
+      const bool wanted = Report(element, frame);
       pos_ += element.header_length;
-      frames_.push_back(Frame{index, frame.end, false, frame.depth + 1, false});
+      frames_.push_back(Frame{element, false, frame_end, false, depth + 1, false, silent || !wanted});
       return true;
     }
     total = element.header_length + element.length;
   }
-  const int index = AddElement(element, frame);
   const std::size_t contents = pos_ + element.header_length;
   if (element.constructed) {
+    if (!Report(element, frame)) {
+      pos_ = contents + element.length;
+      return true;
+    }
     pos_ = contents;
-    frames_.push_back(Frame{index, contents + element.length, false, frame.depth + 1, false});
+    frames_.push_back(Frame{element, false, contents + element.length, false, depth + 1, false, false});
     return true;
   }
   pos_ += total;
-  if (options_.open_encapsulated && element.tag_class == 0 && !element.indefinite) {
-    std::size_t skip = 0;
+  std::size_t skip = 0;
+  if (options_.open_encapsulated && element.tag_class == 0 && !element.indefinite && !silent) {
     bool candidate = false;
     if (element.tag == 4) {
       candidate = true;
@@ -214,12 +220,12 @@ bool Walker::Step() {
       candidate = true;
       skip = 1;
     }
-    if (candidate && frame.depth + 1 < kMaxDepth &&
-        HoldsDer(data_ + contents + skip, element.length - skip)) {
-      tree_.elements[index].encapsulates = true;
-      pos_ = contents + skip;
-      frames_.push_back(Frame{index, contents + element.length, false, frame.depth + 1, true});
-    }
+    element.encapsulates = candidate && depth + 1 < kMaxDepth &&
+                           HoldsDer(data_ + contents + skip, element.length - skip);
+  }
+  if (Report(element, frame) && element.encapsulates) {
+    pos_ = contents + skip;
+    frames_.push_back(Frame{element, false, contents + element.length, false, depth + 1, true, false});
   }
   return true;
 }
@@ -248,7 +254,65 @@ bool Walker::ExplainHeaderFailure(std::size_t pos, std::size_t left, int code) {
   return Fail(pos, 206, "length octets truncated");
 }
 
-bool Walker::HoldsDer(const unsigned char* contents, std::size_t size) const {
+// RootCheck counts the top-level elements of contents and keeps the first.
+class RootCheck : public WalkSink {
+ public:
+  bool Enter(const Element& element) override {
+    if (element.depth == 0 && roots_++ == 0) first_ = element;
+    return true;
+  }
+  int roots() const { return roots_; }
+  const Element& first() const { return first_; }
+
+ private:
+  int roots_ = 0;
+  Element first_;
+};
+
+// TreeBuilder keeps every element, linked to its parent.
+class TreeBuilder : public WalkSink {
+ public:
+  explicit TreeBuilder(Tree* tree) : tree_(tree) {}
+  bool Enter(const Element& element) override {
+    const int index = static_cast<int>(tree_->elements.size());
+    tree_->elements.push_back(element);
+    Element& added = tree_->elements.back();
+    if (open_.empty()) {
+      tree_->roots.push_back(index);
+    } else {
+      added.parent = open_.back();
+      tree_->elements[open_.back()].children.push_back(index);
+    }
+    if (added.constructed || added.encapsulates) open_.push_back(index);
+    return true;
+  }
+  void Leave(const Element& element) override {
+    tree_->elements[open_.back()].length = element.length;
+    open_.pop_back();
+  }
+
+ private:
+  Tree* tree_;
+  std::vector<int> open_;
+};
+
+}  // namespace
+
+WalkResult WalkInto(const unsigned char* data, std::size_t size, const WalkOptions& options,
+                    WalkSink* sink) {
+  return Walker(data, size, options, sink).Run();
+}
+
+Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options) {
+  Tree tree;
+  TreeBuilder builder(&tree);
+  const WalkResult result = WalkInto(data, size, options, &builder);
+  tree.failed = result.failed;
+  tree.error = result.error;
+  return tree;
+}
+
+bool HoldsDer(const unsigned char* contents, std::size_t size) {
   if (size < 2) return false;
   const unsigned char first = contents[0];
   // Only universal and context-specific elements, and never 00 (end-of-contents).
@@ -256,10 +320,10 @@ bool Walker::HoldsDer(const unsigned char* contents, std::size_t size) const {
   WalkOptions strict;
   strict.open_encapsulated = false;
   strict.allow_indefinite = false;
-  Tree inner = Walker(contents, size, strict).Run();
-  if (inner.failed || inner.roots.empty()) return false;
-  if (inner.roots.size() == 1) {
-    const Element& root = inner.elements[inner.roots[0]];
+  RootCheck check;
+  if (WalkInto(contents, size, strict, &check).failed || check.roots() == 0) return false;
+  if (check.roots() == 1) {
+    const Element& root = check.first();
     if (!root.constructed) {
       // A lone primitive: only the kinds that carry keys and identifiers, so that
       // random key octets are not taken for an element by chance.
@@ -271,17 +335,11 @@ bool Walker::HoldsDer(const unsigned char* contents, std::size_t size) const {
   return true;
 }
 
-}  // namespace
-
-Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options) {
-  return Walker(data, size, options).Run();
-}
-
 bool IsCompleteEncoding(const unsigned char* data, std::size_t size) {
   WalkOptions options;
   options.open_encapsulated = false;
-  Tree tree = Walk(data, size, options);
-  return !tree.failed && !tree.roots.empty();
+  RootCheck check;
+  return !WalkInto(data, size, options, &check).failed && check.roots() > 0;
 }
 
 }  // namespace tool

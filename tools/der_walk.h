@@ -50,9 +50,39 @@ struct WalkOptions {
   bool allow_indefinite = true;   // false: an indefinite length is an error
 };
 
-// Walk parses every element of `data`. On malformed input it keeps the elements
-// parsed before the bad one and fills `error`.
+// WalkSink receives the elements in encoding order while the walk goes on, so
+// that callers print or search without holding the tree.
+class WalkSink {
+ public:
+  virtual ~WalkSink() = default;
+  // Enter: an element's header has been read (`children` and `parent` are left
+  // empty). For an element with children (constructed, or a primitive whose
+  // contents are opened), false skips them: a definite length is stepped over
+  // unread, an indefinite one is walked without reporting.
+  virtual bool Enter(const Element& element) = 0;
+  // Leave: the children of an entered element are over; `length` is now known
+  // for an indefinite element.
+  virtual void Leave(const Element& element) { (void)element; }
+};
+
+struct WalkResult {
+  bool failed = false;
+  WalkError error;
+};
+
+// WalkInto walks `data`, reporting each element to `sink`; it stops at the first
+// malformed element (after reporting the elements before it).
+WalkResult WalkInto(const unsigned char* data, std::size_t size, const WalkOptions& options,
+                    WalkSink* sink);
+
+// Walk parses every element of `data` into a tree. On malformed input it keeps
+// the elements parsed before the bad one and fills `error`.
 Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options);
+
+// HoldsDer is true when `size` octets of contents are, in the walker's opinion,
+// DER themselves (one or more whole definite-length elements, not a lone
+// primitive that random octets would make by chance).
+bool HoldsDer(const unsigned char* contents, std::size_t size);
 
 // IsCompleteEncoding is true when `data` is one or more whole elements, nothing
 // left over, with no error anywhere inside.
