@@ -2,10 +2,14 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 
 #include "bundled_sample.h"
+#include "der_json.h"
 #include "dump.h"
+#include "dump_stream.h"
+#include "load.h"
+#include "locate.h"
+#include "type_check.h"
 #include "types.h"
 
 namespace keyasn {
@@ -19,21 +23,23 @@ std::string UpperLabel(const std::string& type) {
   return label;
 }
 
-void Report(std::ostream& err, const std::string& name, const std::string& message) {
-  err << "keyasn: " << name << ": " << message << '\n';
-}
-
-std::string WalkErrorText(const WalkError& error) {
-  return "error at offset " + std::to_string(error.offset) + ": " + std::to_string(error.code) +
-         " " + CodeMeaning(error.code) + ": " + error.meaning;
-}
-
-Source LoadSource(const std::string& file) {
-  if (file.empty()) return BundledSample();
-  return ReadSource(file);
+// Malformed reports a fault of the input, saying which form it was read as.
+int Malformed(std::ostream& err, const Input& input, const std::string& message) {
+  Report(err, input.name(), input.Assumed() + ": " + message + input.Hint());
+  return kExitMalformed;
 }
 
 }  // namespace
+
+std::string InputName(const std::string& file) {
+  if (file.empty()) return StandardInputIsData() ? "<stdin>" : "<bundled sample>";
+  return file == "-" ? "<stdin>" : file;
+}
+
+std::string WalkErrorText(const WalkError& error, std::size_t base) {
+  return "error at offset " + std::to_string(error.offset + base) + ": " +
+         std::to_string(error.code) + " " + CodeMeaning(error.code) + ": " + error.meaning;
+}
 
 Source BundledSample() {
   Source source;
@@ -43,62 +49,97 @@ Source BundledSample() {
 }
 
 int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::unique_ptr<Input> input;
   try {
-    Source source = LoadSource(request.file);
-    name = source.name;
-    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
-    WalkOptions options;
-    options.open_encapsulated = request.encapsulated;
-    const Tree tree = Walk(der.data(), der.size(), options);
-    if (request.json) {
-      out << DumpJson(tree, der.data()).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-    } else {
-      DumpText(tree, der.data(), request.full, out);
-    }
-    out.flush();
-    if (tree.failed) {
-      Report(err, name, WalkErrorText(tree.error));
-      return kExitMalformed;
-    }
-    if (!out) {
-      Report(err, name, "cannot write the output");
-      return kExitIo;
-    }
-    return kExitOk;
+    input = LoadInput(request.file, request.inform);
   } catch (const ToolError& e) {
-    Report(err, name, e.what());
+    Report(err, InputName(request.file), e.what());
     return e.status();
   }
+  Span span{0, input->size()};
+  if (!request.offsets.empty()) {
+    try {
+      span = Locate(input->data(), input->size(), request.offsets, request.encapsulated).whole;
+    } catch (const ToolError& e) {
+      return Malformed(err, *input, e.what());
+    }
+  }
+  PrintOptions print;
+  print.json = request.json;
+  print.octets = request.full ? 0 : request.octets;
+  print.depth = request.depth;
+  print.base = span.offset;
+  Input* source = input.get();
+  std::unique_ptr<Printer> printer = MakePrinter(
+      print, input->data(), out, [source](std::size_t offset) { source->Release(offset); });
+  WalkOptions options;
+  options.open_encapsulated = request.encapsulated;
+  errno = 0;
+  const WalkResult result = WalkInto(input->data() + span.offset, span.size, options, printer.get());
+  printer->Finish();
+  out.flush();
+  if (!out) {
+    Report(err, "<stdout>", WriteFailure());
+    return kExitIo;
+  }
+  if (result.failed) return Malformed(err, *input, WalkErrorText(result.error, span.offset));
+  return kExitOk;
+}
+
+int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& err) {
+  std::unique_ptr<Input> input;
+  try {
+    input = LoadInput(request.file, request.inform);
+  } catch (const ToolError& e) {
+    Report(err, InputName(request.file), e.what());
+    return e.status();
+  }
+  Located at;
+  try {
+    at = Locate(input->data(), input->size(), request.offsets, request.encapsulated);
+  } catch (const ToolError& e) {
+    return Malformed(err, *input, e.what());
+  }
+  const Span span = request.contents ? at.contents : at.whole;
+  return WriteOctets(input->data() + span.offset, span.size, request.outform, "KEYASN ELEMENT",
+                     request.output, out, err);
 }
 
 int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::unique_ptr<Input> input;
+  try {
+    input = LoadInput(request.file, request.inform);
+  } catch (const ToolError& e) {
+    Report(err, InputName(request.file), e.what());
+    return e.status();
+  }
+  if (request.type.empty() && !input->sample()) {
+    Report(err, "show", "--as TYPE is required with a FILE or standard input (see keyasn show --help)");
+    return kExitUsage;
+  }
   const std::string type_name = request.type.empty() ? "container" : request.type;
   const TypeInfo* type = FindType(type_name);
   if (type == nullptr) {
-    err << "keyasn show: unknown TYPE \"" << type_name << "\" (see keyasn show --help)\n";
+    Report(err, "show", "unknown TYPE \"" + type_name + "\" (see keyasn show --help)");
     return kExitUsage;
   }
+  if (input->size() > kMaxInputSize) {
+    return Malformed(err, *input, "larger than " + std::to_string(kMaxInputSize) +
+                                      " octets, more than the library reads");
+  }
+  const Bytes der(input->data(), input->data() + input->size());
   try {
-    Source source = LoadSource(request.file);
-    name = source.name;
-    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
     if (type->single_element) {
       // The structure readers stop at what they need; the walk first checks the
       // whole input, so that damage is reported with its offset.
       WalkOptions options;
       options.open_encapsulated = false;
       const Tree tree = Walk(der.data(), der.size(), options);
-      if (tree.failed) {
-        Report(err, name, WalkErrorText(tree.error));
-        return kExitMalformed;
-      }
+      if (tree.failed) return Malformed(err, *input, WalkErrorText(tree.error));
       if (tree.roots.size() > 1) {
         const Element& second = tree.elements[tree.roots[1]];
-        Report(err, name, "error at offset " + std::to_string(second.offset) +
-                              ": data after the " + type->structure + " element");
-        return kExitMalformed;
+        return Malformed(err, *input, "error at offset " + std::to_string(second.offset) +
+                                          ": data after the " + type->structure + " element");
       }
     }
     View view;
@@ -115,32 +156,40 @@ int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
     } catch (const ToolError& e) {
       note = "encode --as " + type_name + " of this JSON fails: " + e.what();
     }
+    const std::string misfit = CheckType(*type, der, note);
+    if (!misfit.empty() && !request.force) {
+      return Malformed(err, *input, "not a " + type_name + " (" + type->structure + "): " + misfit +
+                                        " (--force shows it anyway)");
+    }
+    errno = 0;
     if (request.json) {
       out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     } else {
-      out << "# " << type->structure << " (" << type->name << ") from " << name << '\n'
+      out << "# " << type->structure << " (" << type->name << ") from " << input->name() << '\n'
           << view.ToText(request.full);
     }
     out.flush();
     if (!out) {
-      Report(err, name, "cannot write the output");
+      Report(err, "<stdout>", WriteFailure());
       return kExitIo;
     }
-    if (!note.empty()) Report(err, name, "note: " + note);
+    if (!note.empty()) Report(err, input->name(), "note: " + note);
     return kExitOk;
   } catch (const ToolError& e) {
-    Report(err, name, e.what());
+    if (e.status() == kExitMalformed) return Malformed(err, *input, e.what());
+    Report(err, input->name(), e.what());
     return e.status();
   }
 }
 
 int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err) {
-  const TypeInfo* type = FindType(request.type);
-  if (type == nullptr) {
-    err << "keyasn encode: unknown TYPE \"" << request.type << "\" (see keyasn encode --help)\n";
+  const bool elements = request.type.empty() || request.type == "der";
+  const TypeInfo* type = elements ? nullptr : FindType(request.type);
+  if (!elements && type == nullptr) {
+    Report(err, "encode", "unknown TYPE \"" + request.type + "\" (see keyasn encode --help)");
     return kExitUsage;
   }
-  std::string name = request.file == "-" ? "<stdin>" : request.file;
+  std::string name = InputName(request.file);
   Bytes encoding;
   try {
     Source source = ReadSource(request.file);
@@ -151,46 +200,14 @@ int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err
     } catch (const Json::parse_error& e) {
       throw ToolError(kExitMalformed, std::string("not JSON: ") + e.what());
     }
-    encoding = type->encode(JsonIn(document, ""));
+    encoding = elements ? EncodeDumpJson(document) : type->encode(JsonIn(document, ""));
   } catch (const ToolError& e) {
     Report(err, name, e.what());
     return e.status();
   }
-  std::string text;
-  switch (request.outform) {
-    case OutputForm::kDer:
-      text.assign(encoding.begin(), encoding.end());
-      break;
-    case OutputForm::kHex:
-      text = ToHex(encoding) + "\n";
-      break;
-    case OutputForm::kPem: {
-      const std::string label = UpperLabel(type->name);
-      text = "-----BEGIN " + label + "-----\n" + EncodeBase64(encoding) + "-----END " + label + "-----\n";
-      break;
-    }
-  }
-  if (request.output.empty() || request.output == "-") {
-    out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    out.flush();
-    if (!out) {
-      Report(err, "<stdout>", "cannot write the output");
-      return kExitIo;
-    }
-    return kExitOk;
-  }
-  std::ofstream file(request.output, std::ios::binary | std::ios::trunc);
-  if (!file) {
-    Report(err, request.output, std::string("cannot open for writing: ") + std::strerror(errno));
-    return kExitIo;
-  }
-  file.write(text.data(), static_cast<std::streamsize>(text.size()));
-  file.close();
-  if (!file) {
-    Report(err, request.output, "cannot write");
-    return kExitIo;
-  }
-  return kExitOk;
+  return WriteOctets(encoding.data(), encoding.size(), request.outform,
+                     elements ? "KEYASN ELEMENT" : UpperLabel(type->name),
+                     request.output, out, err);
 }
 
 }  // namespace tool

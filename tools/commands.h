@@ -3,26 +3,42 @@
 #ifndef KEYASN_TOOLS_COMMANDS_H_
 #define KEYASN_TOOLS_COMMANDS_H_
 
+#include <cstddef>
 #include <ostream>
 #include <string>
+#include <vector>
 
+#include "der_walk.h"
 #include "input.h"
+#include "output.h"
 
 namespace keyasn {
 namespace tool {
 
-enum class OutputForm { kDer, kPem, kHex };
-
 struct DumpRequest {
-  std::string file;  // empty: the bundled sample
+  std::string file;  // empty: standard input when it is data, else the bundled sample
   InputForm inform = InputForm::kAuto;
   bool json = false;
-  bool full = false;
+  bool full = false;         // as octets = 0
+  std::size_t octets = 16;   // contents octets per text line; 0: all
+  int depth = 0;             // summarise elements this deep; 0: no limit
   bool encapsulated = true;
+  std::vector<std::size_t> offsets;  // start at the element these reach (see Locate)
+};
+
+struct ExtractRequest {
+  std::string file;
+  InputForm inform = InputForm::kAuto;
+  std::vector<std::size_t> offsets;
+  bool contents = false;  // the contents octets only
+  bool encapsulated = true;
+  OutputForm outform = OutputForm::kDer;
+  std::string output;  // empty or "-": standard output
 };
 
 struct ShowRequest {
-  std::string file;  // empty: the bundled sample
+  std::string file;  // empty: standard input when it is data, else the bundled sample
+  bool force = false;  // show input that does not fit the TYPE
   std::string type;  // empty: container (only with the bundled sample)
   InputForm inform = InputForm::kAuto;
   bool json = false;
@@ -40,6 +56,13 @@ struct EncodeRequest {
 int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err);
 int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err);
 int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err);
+int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& err);
+
+// InputName names the input of a request in messages before it is opened.
+std::string InputName(const std::string& file);
+
+// WalkErrorText is "error at offset N: CODE MEANING: detail", the offset moved by `base`.
+std::string WalkErrorText(const WalkError& error, std::size_t base = 0);
 
 // The bundled sample container (made from samples/container.der at build time).
 Source BundledSample();

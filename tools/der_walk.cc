@@ -95,7 +95,7 @@ class Walker {
 
 WalkResult Walker::Run() {
   frames_.push_back(Frame{Element(), true, size_, false, 0, false, false});
-  while (!frames_.empty() && Step()) {
+  while (!frames_.empty() && !sink_->Finished() && Step()) {
   }
   if (pending_ && !result_.failed) Fail(0, 0, std::string());
   return result_;

@@ -63,6 +63,8 @@ class WalkSink {
   // Leave: the children of an entered element are over; `length` is now known
   // for an indefinite element.
   virtual void Leave(const Element& element) { (void)element; }
+  // Finished ends the walk early (without an error) once the sink has what it needs.
+  virtual bool Finished() const { return false; }
 };
 
 struct WalkResult {

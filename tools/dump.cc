@@ -1,9 +1,11 @@
 #include "dump.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <sstream>
 
-#include "oid_names.h"
+#include "header_octets.h"
+#include "oid_config.h"
 #include "values.h"
 
 namespace keyasn {
@@ -39,7 +41,7 @@ struct Described {
   int unused_bits = -1;       // for a BIT STRING
 };
 
-Described Describe(const Element& e, const unsigned char* data, bool full) {
+Described Describe(const Element& e, const unsigned char* data, std::size_t octets) {
   Described d;
   const unsigned char* p = data + e.offset + e.header_length;
   const std::size_t n = e.length;
@@ -49,7 +51,7 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
     // the URIs of a general name), otherwise as hex.
     bool printable = n > 0;
     for (std::size_t i = 0; i < n && printable; ++i) printable = p[i] >= 0x20 && p[i] < 0x7F;
-    d.text = printable ? QuoteString(p, n, false) : HexText(p, n, full);
+    d.text = printable ? QuoteString(p, n, false) : HexTextUpTo(p, n, octets);
     d.value = ToHex(p, n);
     return d;
   }
@@ -59,14 +61,14 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
         d.text = p[0] ? "TRUE" : "FALSE";
         d.value = d.text;
       } else {
-        d.text = HexText(p, n, full) + " (bad BOOLEAN length)";
+        d.text = HexTextUpTo(p, n, octets) + " (bad BOOLEAN length)";
         d.value = ToHex(p, n);
       }
       return d;
     case 2:
     case 10:
-      d.text = IntegerText(p, n, full);
-      d.value = n == 0 ? Json() : Json(IntegerText(p, n, true));
+      d.text = IntegerTextUpTo(p, n, octets);
+      d.value = n == 0 ? Json() : Json(IntegerTextUpTo(p, n, 0));
       return d;
     case 3:
       if (n == 0) {
@@ -79,15 +81,15 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
       if (e.encapsulates) {
         d.text += ", encapsulates";
       } else if (n > 1) {
-        d.text += " " + HexText(p + 1, n - 1, full);
+        d.text += " " + HexTextUpTo(p + 1, n - 1, octets);
       }
       return d;
     case 4:
       d.value = ToHex(p, n);
-      d.text = e.encapsulates ? "encapsulates" : HexText(p, n, full);
+      d.text = e.encapsulates ? "encapsulates" : HexTextUpTo(p, n, octets);
       return d;
     case 5:
-      if (n != 0) d.text = HexText(p, n, full) + " (bad NULL length)";
+      if (n != 0) d.text = HexTextUpTo(p, n, octets) + " (bad NULL length)";
       return d;
     case 6: {
       std::string dotted;
@@ -97,7 +99,7 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
         d.text = dotted;
         if (d.name != nullptr) d.text += std::string(" (") + d.name + ")";
       } else {
-        d.text = HexText(p, n, full) + " (malformed OBJECT IDENTIFIER)";
+        d.text = HexTextUpTo(p, n, octets) + " (malformed OBJECT IDENTIFIER)";
       }
       return d;
     }
@@ -120,7 +122,7 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
         d.text = QuoteString(reinterpret_cast<const unsigned char*>(text.data()), text.size(), true);
         d.value = text;
       } else {
-        d.text = HexText(p, n, full) + " (malformed string)";
+        d.text = HexTextUpTo(p, n, octets) + " (malformed string)";
       }
       return d;
     }
@@ -129,15 +131,37 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
         d.text = QuoteString(p, n, e.tag == 12);
         d.value = ToUtf8(p, n);
       } else {
-        d.text = HexText(p, n, full);
+        d.text = HexTextUpTo(p, n, octets);
         d.value = ToHex(p, n);
       }
       return d;
   }
 }
 
+// AddOriginalHeader keeps the identifier and length octets when they are not
+// the shortest form (BER), so that encode can write the input back as it was.
+void AddOriginalHeader(const Element& e, const unsigned char* data, Json* j) {
+  if (e.end_of_contents) return;
+  const Bytes minimal = MinimalHeader(e.tag_class, e.constructed, e.tag, e.indefinite, e.length);
+  const unsigned char* header = data + e.offset;
+  if (minimal.size() != e.header_length ||
+      !std::equal(minimal.begin(), minimal.end(), header)) {
+    (*j)["header"] = ToHex(header, e.header_length);
+  }
+}
+
 Json ElementJson(const Tree& tree, int index, const unsigned char* data) {
   const Element& e = tree.elements[index];
+  Json j = ElementFields(e, data);
+  Json children = Json::array();
+  for (int child : e.children) children.push_back(ElementJson(tree, child, data));
+  j["children"] = std::move(children);
+  return j;
+}
+
+}  // namespace
+
+Json ElementFields(const Element& e, const unsigned char* data) {
   Json j;
   j["offset"] = e.offset;
   j["header_length"] = e.header_length;
@@ -149,20 +173,16 @@ Json ElementJson(const Tree& tree, int index, const unsigned char* data) {
   if (e.constructed) {
     j["value"] = nullptr;
   } else {
-    Described d = Describe(e, data, true);
+    Described d = Describe(e, data, 0);
     j["value"] = d.value;
     if (d.name != nullptr) j["name"] = d.name;
     if (d.unused_bits >= 0) j["unused_bits"] = d.unused_bits;
     j["hex"] = ToHex(data + e.offset + e.header_length, e.length);
   }
   if (e.encapsulated) j["encapsulated"] = true;
-  Json children = Json::array();
-  for (int child : e.children) children.push_back(ElementJson(tree, child, data));
-  j["children"] = std::move(children);
+  AddOriginalHeader(e, data, &j);
   return j;
 }
-
-}  // namespace
 
 const char* ClassName(unsigned char tag_class) {
   switch (tag_class & 0xC0) {
@@ -185,7 +205,11 @@ std::string TypeName(unsigned char tag_class, unsigned int tag) {
 }
 
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out) {
-  for (const Element& e : tree.elements) {
+  for (const Element& e : tree.elements) out << ElementLine(e, data, full ? 0 : kShortOctets) << '\n';
+}
+
+std::string ElementLine(const Element& e, const unsigned char* data, std::size_t octets) {
+  {
     char head[64];
     const std::string length = e.indefinite ? "inf" : std::to_string(e.length);
     std::snprintf(head, sizeof head, "%6zu %2u %6s %s ", e.offset, e.header_length,
@@ -194,10 +218,10 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
     line.append(static_cast<std::size_t>(e.depth) * 2, ' ');
     line += e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag);
     if (!e.constructed) {
-      const Described d = Describe(e, data, full);
+      const Described d = Describe(e, data, octets);
       if (!d.text.empty()) line += " " + d.text;
     }
-    out << line << '\n';
+    return line;
   }
 }
 

@@ -27,6 +27,13 @@ const char* ClassName(unsigned char tag_class);
 // and the readable value of a primitive (octets shortened unless `full`).
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out);
 
+// ElementLine is the text line of one element (without the line end), octets
+// shortened past `octets` (0: never).
+std::string ElementLine(const Element& element, const unsigned char* data, std::size_t octets);
+
+// ElementFields is the JSON object of one element without its "children".
+Json ElementFields(const Element& element, const unsigned char* data);
+
 // DumpJson returns the top-level elements as a JSON array (values never shortened).
 Json DumpJson(const Tree& tree, const unsigned char* data);
 

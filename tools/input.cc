@@ -66,12 +66,15 @@ int Base64Value(unsigned char c) {
 
 bool IsSpace(unsigned char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-std::string AsText(const Bytes& raw) { return std::string(raw.begin(), raw.end()); }
+std::string AsText(const unsigned char* raw, std::size_t size) {
+  return std::string(reinterpret_cast<const char*>(raw), size);
+}
 
 // LooksLikeHex: only hex digits, white space and ':', and at least one octet.
-bool LooksLikeHex(const Bytes& raw) {
+bool LooksLikeHex(const unsigned char* raw, std::size_t size) {
   std::size_t digits = 0;
-  for (unsigned char c : raw) {
+  for (std::size_t i = 0; i < size; ++i) {
+    const unsigned char c = raw[i];
     if (std::isxdigit(c)) {
       ++digits;
     } else if (!IsSpace(c) && c != ':') {
@@ -82,9 +85,10 @@ bool LooksLikeHex(const Bytes& raw) {
 }
 
 // LooksLikeBase64: only the alphabet, '=' and white space, and some characters.
-bool LooksLikeBase64(const Bytes& raw) {
+bool LooksLikeBase64(const unsigned char* raw, std::size_t size) {
   std::size_t chars = 0;
-  for (unsigned char c : raw) {
+  for (std::size_t i = 0; i < size; ++i) {
+    const unsigned char c = raw[i];
     if (Base64Value(c) >= 0 || c == '=') {
       ++chars;
     } else if (!IsSpace(c)) {
@@ -94,12 +98,12 @@ bool LooksLikeBase64(const Bytes& raw) {
   return chars >= 2;
 }
 
-bool HasPemMarker(const Bytes& raw) {
+bool HasPemMarker(const unsigned char* raw, std::size_t size) {
   static const char kMarker[] = "-----BEGIN ";
   const std::size_t n = sizeof kMarker - 1;
-  if (raw.size() < n) return false;
-  for (std::size_t i = 0; i + n <= raw.size(); ++i) {
-    if (std::memcmp(raw.data() + i, kMarker, n) == 0) return true;
+  if (size < n) return false;
+  for (std::size_t i = 0; i + n <= size; ++i) {
+    if (raw[i] == '-' && std::memcmp(raw + i, kMarker, n) == 0) return true;
   }
   return false;
 }
@@ -209,46 +213,48 @@ bool DecodePem(const std::string& text, Bytes* out, std::string* problem) {
   return true;
 }
 
-Bytes DecodeInput(const Bytes& raw, InputForm form, InputForm* detected) {
-  if (raw.empty()) throw ToolError(kExitMalformed, "empty input");
-  if (form == InputForm::kAuto) {
-    if (HasPemMarker(raw)) {
-      form = InputForm::kPem;
-    } else if (IsCompleteEncoding(raw.data(), raw.size())) {
-      form = InputForm::kDer;
-    } else if (LooksLikeHex(raw)) {
-      form = InputForm::kHex;
-    } else if (LooksLikeBase64(raw)) {
-      form = InputForm::kBase64;
-    } else {
-      form = InputForm::kDer;
-    }
-  }
-  if (detected != nullptr) *detected = form;
+InputForm DetectForm(const unsigned char* raw, std::size_t size) {
+  if (HasPemMarker(raw, size)) return InputForm::kPem;
+  if (IsCompleteEncoding(raw, size)) return InputForm::kDer;
+  if (LooksLikeHex(raw, size)) return InputForm::kHex;
+  if (LooksLikeBase64(raw, size)) return InputForm::kBase64;
+  return InputForm::kDer;
+}
+
+Bytes DecodeText(const unsigned char* raw, std::size_t size, InputForm form) {
   Bytes out;
   std::string problem;
   switch (form) {
     case InputForm::kPem:
-      if (!DecodePem(AsText(raw), &out, &problem)) {
+      if (!DecodePem(AsText(raw, size), &out, &problem)) {
         throw ToolError(kExitMalformed, "not PEM: " + problem);
       }
       break;
     case InputForm::kHex:
-      if (!ParseHex(AsText(raw), &out)) {
+      if (!ParseHex(AsText(raw, size), &out)) {
         throw ToolError(kExitMalformed,
                         "not hex text (only hex digit pairs, white space and ':' allowed)");
       }
       break;
     case InputForm::kBase64:
-      if (!DecodeBase64(AsText(raw), &out)) throw ToolError(kExitMalformed, "not base64 text");
+      if (!DecodeBase64(AsText(raw, size), &out)) {
+        throw ToolError(kExitMalformed, "not base64 text");
+      }
       break;
     case InputForm::kDer:
     case InputForm::kAuto:
-      out = raw;
+      out.assign(raw, raw + size);
       break;
   }
   if (out.empty()) throw ToolError(kExitMalformed, "no octets in the input");
   return out;
+}
+
+Bytes DecodeInput(const Bytes& raw, InputForm form, InputForm* detected) {
+  if (raw.empty()) throw ToolError(kExitMalformed, "empty input");
+  if (form == InputForm::kAuto) form = DetectForm(raw.data(), raw.size());
+  if (detected != nullptr) *detected = form;
+  return DecodeText(raw.data(), raw.size(), form);
 }
 
 }  // namespace tool

@@ -28,6 +28,15 @@ Source ReadSource(const std::string& path);
 // FormName is "der", "pem", "base64" or "hex" ("auto" for kAuto).
 const char* FormName(InputForm form);
 
+// DetectForm names the form of raw input: PEM (a "-----BEGIN " line), raw DER
+// when the input is one or more complete elements, hex text, base64 text, and raw
+// DER for anything else (so a damaged binary file is reported as malformed DER).
+InputForm DetectForm(const unsigned char* raw, std::size_t size);
+
+// DecodeText turns input in the given form into octets; throws
+// ToolError(kExitMalformed) when the text is not of that form or holds no octets.
+Bytes DecodeText(const unsigned char* raw, std::size_t size, InputForm form);
+
 // DecodeInput turns the raw input into DER/BER octets. With kAuto the form is
 // detected: PEM (a "-----BEGIN " line), raw DER when the input is one or more
 // complete elements, hex text, base64 text, and raw DER for anything else (so a

@@ -207,7 +207,7 @@ bool Less(const OidEntry& entry, const std::string& key) {
 
 }  // namespace
 
-const char* OidName(const std::string& dotted) {
+const char* BuiltinOidName(const std::string& dotted) {
   const OidEntry* end = std::end(kOids);
   const OidEntry* found = std::lower_bound(std::begin(kOids), end, dotted, Less);
   if (found != end && dotted == found->oid) return found->name;

@@ -8,8 +8,9 @@
 namespace keyasn {
 namespace tool {
 
-// OidName returns the name of the dotted identifier, or null when it is unknown.
-const char* OidName(const std::string& dotted);
+// BuiltinOidName returns the built-in name of the dotted identifier, or null
+// when it has none (OidName, in oid_config.h, also looks in the files read).
+const char* BuiltinOidName(const std::string& dotted);
 
 // OidTableSorted checks the order the lookup relies on.
 bool OidTableSorted();

@@ -6,13 +6,21 @@ namespace keyasn {
 namespace tool {
 
 std::string HexText(const unsigned char* data, std::size_t size, bool full) {
-  if (full || size <= kShortOctets) return ToHex(data, size);
-  return ToHex(data, kShortOctets) + "... (" + std::to_string(size) + " octets)";
+  return HexTextUpTo(data, size, full ? 0 : kShortOctets);
+}
+
+std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit) {
+  if (limit == 0 || size <= limit) return ToHex(data, size);
+  return ToHex(data, limit) + "... (" + std::to_string(size) + " octets)";
 }
 
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full) {
+  return IntegerTextUpTo(data, size, full ? 0 : kShortOctets);
+}
+
+std::string IntegerTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit) {
   if (size == 0) return "(no contents)";
-  if (size > 8) return "0x" + HexText(data, size, full);
+  if (size > 8) return "0x" + HexTextUpTo(data, size, limit);
   uint64_t value = (data[0] & 0x80) ? ~uint64_t{0} : 0;
   for (std::size_t i = 0; i < size; ++i) value = (value << 8) | data[i];
   return std::to_string(static_cast<int64_t>(value));

@@ -18,10 +18,13 @@ constexpr std::size_t kShortOctets = 16;
 // HexText writes octets as hex; past kShortOctets (unless `full`) it ends with
 // "... (N octets)".
 std::string HexText(const unsigned char* data, std::size_t size, bool full);
+// HexTextUpTo is HexText shortened past `limit` octets (0: never).
+std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit);
 
 // IntegerText: two's complement contents as a decimal number when they fit in 64
 // bits, otherwise "0x" and hex (shortened like HexText unless `full`).
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full);
+std::string IntegerTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit);
 
 // DecodeOid writes the dotted form of object identifier contents (X.690 8.19);
 // false when they are empty, a subidentifier does not end or exceeds 64 bits.

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "dump.h"
-#include "oid_names.h"
+#include "oid_config.h"
 #include "values.h"
 
 namespace keyasn {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "oid_config.h"
 #include "oid_names.h"
 
 namespace keyasn {
