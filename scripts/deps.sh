@@ -5,6 +5,8 @@ set -euo pipefail
 pkgs=(g++ cmake ninja-build make pkg-config libgtest-dev googletest openssl ca-certificates)
 # The command-line tool alone uses these two (the library depends on nothing).
 pkgs+=(libcli11-dev nlohmann-json3-dev)
+# Its tests render the manual page and make BER with xxd.
+pkgs+=(man-db groff-base xxd)
 pkgs+=("$@")
 missing=()
 for p in "${pkgs[@]}"; do
