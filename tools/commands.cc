@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 #include "bundled_sample.h"
 #include "der_json.h"
@@ -27,6 +28,11 @@ std::string UpperLabel(const std::string& type) {
 int Malformed(std::ostream& err, const Input& input, const std::string& message) {
   Report(err, input.name(), input.Assumed() + ": " + message + input.Hint());
   return kExitMalformed;
+}
+
+// Releaser lets the pages of a mapped input go once the walk is past them.
+std::function<void(std::size_t)> Releaser(Input* input) {
+  return [input](std::size_t offset) { input->Release(offset); };
 }
 
 }  // namespace
@@ -59,7 +65,9 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
   Span span{0, input->size()};
   if (!request.offsets.empty()) {
     try {
-      span = Locate(input->data(), input->size(), request.offsets, request.encapsulated).whole;
+      span = Locate(input->data(), input->size(), request.offsets, request.encapsulated,
+                    Releaser(input.get()))
+                 .whole;
     } catch (const ToolError& e) {
       return Malformed(err, *input, e.what());
     }
@@ -69,9 +77,7 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
   print.octets = request.full ? 0 : request.octets;
   print.depth = request.depth;
   print.base = span.offset;
-  Input* source = input.get();
-  std::unique_ptr<Printer> printer = MakePrinter(
-      print, input->data(), out, [source](std::size_t offset) { source->Release(offset); });
+  std::unique_ptr<Printer> printer = MakePrinter(print, input->data(), out, Releaser(input.get()));
   WalkOptions options;
   options.open_encapsulated = request.encapsulated;
   errno = 0;
@@ -96,7 +102,8 @@ int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& e
   }
   Located at;
   try {
-    at = Locate(input->data(), input->size(), request.offsets, request.encapsulated);
+    at = Locate(input->data(), input->size(), request.offsets, request.encapsulated,
+                Releaser(input.get()));
   } catch (const ToolError& e) {
     return Malformed(err, *input, e.what());
   }

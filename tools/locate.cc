@@ -14,7 +14,8 @@ namespace {
 // scope), stepping over elements that cannot hold it.
 class Finder : public WalkSink {
  public:
-  explicit Finder(std::size_t target) : target_(target) {}
+  Finder(std::size_t target, std::size_t base, const std::function<void(std::size_t)>& passed)
+      : target_(target), base_(base), passed_(passed) {}
 
   bool Enter(const Element& e) override {
     if (found_) return true;  // inside the found indefinite element, until it ends
@@ -31,6 +32,7 @@ class Finder : public WalkSink {
     }
     before_ = e.offset;
     has_before_ = true;
+    if (passed_) passed_(base_ + e.offset);
     if (e.indefinite) return true;  // its end is not known yet
     return target_ < e.offset + e.header_length + e.length;
   }
@@ -52,6 +54,8 @@ class Finder : public WalkSink {
 
  private:
   std::size_t target_;
+  std::size_t base_;
+  const std::function<void(std::size_t)>& passed_;
   bool found_ = false;
   bool waiting_ = false;
   Element element_;
@@ -95,7 +99,7 @@ Span InnerScope(const Located& at, const unsigned char* data) {
 }  // namespace
 
 Located Locate(const unsigned char* data, std::size_t size, const std::vector<std::size_t>& offsets,
-               bool open_encapsulated) {
+               bool open_encapsulated, const std::function<void(std::size_t)>& passed) {
   Span scope{0, size};
   Located at;
   bool first = true;
@@ -111,7 +115,7 @@ Located Locate(const unsigned char* data, std::size_t size, const std::vector<st
     }
     WalkOptions options;
     options.open_encapsulated = open_encapsulated;
-    Finder finder(offset - scope.offset);
+    Finder finder(offset - scope.offset, scope.offset, passed);
     const WalkResult result = WalkInto(data + scope.offset, scope.size, options, &finder);
     if (!finder.found() || finder.waiting()) {
       if (result.failed && (finder.found() || !finder.has_after())) {

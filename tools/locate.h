@@ -5,6 +5,7 @@
 #define KEYASN_TOOLS_LOCATE_H_
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "der_walk.h"
@@ -29,8 +30,10 @@ struct Located {
 // element the last one names. Throws ToolError(kExitMalformed) when an offset is
 // not the start of an element (naming the nearest starts before and after it),
 // lies outside the element reached so far, or the walk meets damage first.
+// `passed` (may be empty) is told each offset the search has gone past.
 Located Locate(const unsigned char* data, std::size_t size, const std::vector<std::size_t>& offsets,
-               bool open_encapsulated);
+               bool open_encapsulated,
+               const std::function<void(std::size_t)>& passed = nullptr);
 
 }  // namespace tool
 }  // namespace keyasn
