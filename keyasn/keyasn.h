@@ -2,6 +2,9 @@
 #ifndef KEYASN_KEYASN_H_
 #define KEYASN_KEYASN_H_
 
+// Version.
+#include "keyasn/version.h"
+
 // Utility types.
 #include "keyasn/support/crypt_bit_blob.h"
 #include "keyasn/support/cruv_string.h"
@@ -15,7 +18,9 @@
 #include "keyasn/codec/decoder.h"
 #include "keyasn/codec/encoder.h"
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/error_text.h"
 #include "keyasn/codec/header.h"
+#include "keyasn/codec/oid.h"
 #include "keyasn/codec/sequence.h"
 
 // Record model.

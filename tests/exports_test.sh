@@ -12,13 +12,13 @@ public+='|ITaggedType|Implicit|Explicit|DerHelper|CASNTIdData|ASNAlgorithmIdenti
 public+='|ASNKeyInfo|ASNContainerInfo|CASNEncryptedKey|CASNPublicKeyInfo|CASNExportKeyInfo'
 public+='|CASNExchangeKeyData|CASNProxyKeyExchangeData|CASNKeyRecord|ASNCryptokiElemInfo'
 public+='|ASNCryptokiContInfo|CASNEphemeralKeyInfo|CASNAlgAddInfo|CASNEncrParams'
-pattern="^((non-virtual thunk to |virtual thunk to |vtable for |typeinfo for |typeinfo name for )?($public)(::|\\(| |$)|operator(==|!=|<)\\(IdentObj const&, IdentObj const&\\)$|KEYASN_1$)"
+pattern="^((non-virtual thunk to |virtual thunk to |vtable for |typeinfo for |typeinfo name for )?($public)(::|\\(| |$)|operator(==|!=|<)\\(IdentObj const&, IdentObj const&\\)$|keyasn::|KEYASN_1$)"
 syms=$(nm -D --defined-only -C "$lib" | cut -d' ' -f3- | sed 's/@@\?KEYASN_1$//')
 bad=$(printf '%s\n' "$syms" | grep -v -E "$pattern" || true)
 if [ -n "$bad" ]; then
   echo "unexpected exported symbols:"; printf '%s\n' "$bad"; exit 1
 fi
-for need in 'IdentObj::GetSize() const' 'XRUVStatus::XRUVStatus(int, char const*, bool)' \
+for need in 'keyasn::Version()' 'keyasn::ErrorText(int)' 'IdentObj::GetSize() const' 'XRUVStatus::XRUVStatus(int, char const*, bool)' \
             'FileTimeToSystemTime(FILETIME const*, SYSTEMTIME*)' \
             'operator==(IdentObj const&, IdentObj const&)' \
             'operator!=(IdentObj const&, IdentObj const&)' \

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "keyasn/codec/oid.h"
 #include "oid_names.h"
 #include "values.h"
 
@@ -90,8 +91,8 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
       if (n != 0) d.text = HexText(p, n, full) + " (bad NULL length)";
       return d;
     case 6: {
-      std::string dotted;
-      if (DecodeOid(p, n, &dotted)) {
+      const std::string dotted = keyasn::OidText(IdentObj(p, static_cast<unsigned int>(n)));
+      if (!dotted.empty()) {
         d.value = dotted;
         d.name = OidName(dotted);
         d.text = dotted;
