@@ -1,4 +1,5 @@
-// keyasn: the whole public interface in one include.
+/// @file
+/// keyasn: the whole public interface in one include.
 #ifndef KEYASN_KEYASN_H_
 #define KEYASN_KEYASN_H_
 
