@@ -3,8 +3,13 @@
 # ones when run as root, otherwise prints the apt-get line and fails.
 set -euo pipefail
 pkgs=(g++ cmake ninja-build make pkg-config libgtest-dev googletest openssl ca-certificates)
+# The exported-symbol and ABI checks.
+pkgs+=(binutils abigail-tools)
 # The command-line tool alone uses these two (the library depends on nothing).
 pkgs+=(libcli11-dev nlohmann-json3-dev)
+# The Debian packages: building (dpkg-shlibdeps, dpkg-gensymbols), checking, and
+# the test that installs them.
+pkgs+=(dpkg-dev fakeroot file lintian)
 # Its tests render the manual page and make BER with xxd.
 pkgs+=(man-db groff-base xxd)
 pkgs+=("$@")

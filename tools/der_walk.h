@@ -90,7 +90,9 @@ bool HoldsDer(const unsigned char* contents, std::size_t size);
 // left over, with no error anywhere inside.
 bool IsCompleteEncoding(const unsigned char* data, std::size_t size);
 
-// CodeMeaning names one of the library's codes ("malformed or truncated data").
+// CodeMeaning names one of the library's codes as a phrase for a message line:
+// keyasn::ErrorText without its capital and full stop ("the data is malformed or
+// truncated").
 std::string CodeMeaning(int code);
 
 }  // namespace tool

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "header_octets.h"
+#include "keyasn/codec/oid.h"
 #include "oid_config.h"
 #include "values.h"
 
@@ -92,8 +93,8 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       if (n != 0) d.text = HexTextUpTo(p, n, octets) + " (bad NULL length)";
       return d;
     case 6: {
-      std::string dotted;
-      if (DecodeOid(p, n, &dotted)) {
+      const std::string dotted = keyasn::OidText(IdentObj(p, static_cast<unsigned int>(n)));
+      if (!dotted.empty()) {
         d.value = dotted;
         d.name = OidName(dotted);
         d.text = dotted;

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "keyasn/codec/oid.h"
+
 #include "common.h"
 #include "oid_names.h"
 #include "values.h"
@@ -27,6 +29,8 @@ std::string Trim(const std::string& text) {
   return text.substr(begin, end - begin + 1);
 }
 
+bool IsDotted(const std::string& text) { return keyasn::OidContents(text.c_str()).Count() != 0; }
+
 // DottedFromConfig reads the value of dumpasn1's "OID =": the components
 // separated by spaces ("2 5 4 3"), or the whole encoded identifier in hex
 // ("06 03 55 04 03").
@@ -34,8 +38,7 @@ bool DottedFromConfig(const std::string& value, std::string* dotted) {
   std::istringstream words(value);
   std::string word, joined;
   while (words >> word) joined += (joined.empty() ? "" : ".") + word;
-  Bytes check;
-  if (EncodeOid(joined, &check)) {
+  if (IsDotted(joined)) {
     *dotted = joined;
     return true;
   }
@@ -45,7 +48,8 @@ bool DottedFromConfig(const std::string& value, std::string* dotted) {
       octets[1] != octets.size() - 2) {
     return false;
   }
-  return DecodeOid(octets.data() + 2, octets.size() - 2, dotted);
+  *dotted = keyasn::OidText(IdentObj(octets.data() + 2, static_cast<unsigned int>(octets.size() - 2)));
+  return !dotted->empty();
 }
 
 bool ReadFile(const std::string& path, std::string* text) {
@@ -92,8 +96,7 @@ bool ParseOidNames(const std::string& text, std::map<std::string, std::string>* 
     std::string long_name;
     std::getline(fields, long_name);
     long_name = Trim(long_name);
-    Bytes check;
-    if (short_name.empty() || !EncodeOid(dotted, &check)) {
+    if (short_name.empty() || !IsDotted(dotted)) {
       *problem = "line " + std::to_string(number) +
                  ": neither \"OID = ...\" nor \"DOTTED shortName longName\"";
       return false;

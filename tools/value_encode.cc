@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "keyasn/codec/oid.h"
+
 #include "values.h"
 
 namespace keyasn {
@@ -135,7 +137,11 @@ bool ValueContents(unsigned int tag, const std::string& text, Bytes* contents, s
       *problem = "expected a decimal integer of at most 64 bits, or 0x and hex digits";
       break;
     case 6:
-      ok = EncodeOid(text, &out);
+      {
+        const IdentObj octets = keyasn::OidContents(text.c_str());
+        ok = octets.Count() != 0;
+        out.assign(octets.GetData(), octets.GetData() + octets.Count());
+      }
       *problem = "expected a dotted object identifier";
       break;
     case 23:

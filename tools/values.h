@@ -26,15 +26,6 @@ std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full);
 std::string IntegerTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit);
 
-// DecodeOid writes the dotted form of object identifier contents (X.690 8.19);
-// false when they are empty, a subidentifier does not end or exceeds 64 bits.
-bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted);
-
-// EncodeOid writes the contents octets of a dotted identifier (two or more
-// decimal components, the first 0..2, the second below 40 unless the first is 2);
-// false for any other text.
-bool EncodeOid(const std::string& dotted, Bytes* contents);
-
 // TimeText turns UTCTime (`generalized` false) or GeneralizedTime text into ISO
 // 8601 in UTC ("2024-01-01T00:00:00Z", a fraction kept); a GeneralizedTime
 // without a zone is local time and ends without "Z". False when the text is not

@@ -98,25 +98,25 @@ run 0 dump --full "$sample" && { grep -q -F "octets)" "$work/out" && fail "--ful
 printf '\x30\x06\x02\x01\x05\x04\x05\x41' > "$work/bad-length.der"
 run 2 dump "$work/bad-length.der" && {
   out_has "INTEGER 5"
-  err_is "keyasn: $work/bad-length.der: as der: error at offset 5: 206 malformed or truncated data: length 5 runs past the end of the enclosing element (1 octet left)"
+  err_is "keyasn: $work/bad-length.der: as der: error at offset 5: 206 the data is malformed or truncated: length 5 runs past the end of the enclosing element (1 octet left)"
 }
 run 2 dump --json "$work/bad-length.der" && { out_has '"offset": 2'; err_has "error at offset 5: 206"; }
 head -c 100 "$sample" > "$work/truncated.der"
 run 2 dump "$work/truncated.der" && {
   out_has "    93  2     10 cons     [3]"
-  err_has "error at offset 0: 206 malformed or truncated data: length 408 runs past the end of the data (96 octets left)"
+  err_has "error at offset 0: 206 the data is malformed or truncated: length 408 runs past the end of the data (96 octets left)"
 }
 run 2 show --as container "$work/truncated.der" && { out_empty; err_has "keyasn: $work/truncated.der: as der: error at offset 0: 206"; }
 printf '\x30\x03\x02\x01\x05\x05' > "$work/trailing.der"
-run 2 dump "$work/trailing.der" && err_has "error at offset 5: 206 malformed or truncated data: header truncated (1 octet left)"
+run 2 dump "$work/trailing.der" && err_has "error at offset 5: 206 the data is malformed or truncated: header truncated (1 octet left)"
 printf '\x30\x03\x02\x01\x05\x05\x00' > "$work/two.der"
 run 0 dump "$work/two.der" && out_has "NULL"
 run 2 show --as container "$work/two.der" && err_has "error at offset 5: data after the ASNContainerInfo element"
 printf '\x1f\x81\x81' > "$work/tag.der"
-run 2 dump "$work/tag.der" && err_has "error at offset 0: 205 malformed identifier octets"
+run 2 dump "$work/tag.der" && err_has "error at offset 0: 205 the identifier octets are malformed"
 # Deep nesting, definite and indefinite.
 awk 'BEGIN { for (i = 0; i < 5000; i++) printf "3080"; for (i = 0; i < 5000; i++) printf "0000" }' > "$work/deep.hex"
-run 2 dump "$work/deep.hex" && { err_has "error at offset 200: 206 malformed or truncated data: nesting deeper than 100 levels"; }
+run 2 dump "$work/deep.hex" && { err_has "error at offset 200: 206 the data is malformed or truncated: nesting deeper than 100 levels"; }
 run 2 show --as container "$work/deep.hex" && err_has "nesting deeper than 100 levels"
 # Every prefix of the sample: the dump and the container reader refuse it
 # cleanly, never crash.
@@ -128,7 +128,7 @@ for ((n = 1; n < size; n += 7)); do
 done
 # A structure of the wrong TYPE.
 run 2 show --as keyinfo samples/validity.der && err_has "keyasn: samples/validity.der: as der: cannot read the key description: ASNKeyInfo::ReadData"
-run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (malformed or truncated data)"
+run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (the data is malformed or truncated)"
 
 # Forms the library reads but writes otherwise: members it holds encoded are
 # kept as they stand, so the round trip still gives the octets back; a structure

@@ -202,8 +202,11 @@ TEST(WalkTest, CompleteEncoding) {
 }
 
 TEST(WalkTest, CodeMeanings) {
-  EXPECT_EQ(CodeMeaning(205), "malformed identifier octets");
-  EXPECT_EQ(CodeMeaning(206), "malformed or truncated data");
+  EXPECT_EQ(CodeMeaning(205), "the identifier octets are malformed");
+  EXPECT_EQ(CodeMeaning(206), "the data is malformed or truncated");
+  EXPECT_EQ(CodeMeaning(134),
+            "the data is not the 70-octet binary form of the encryption parameters");
+  EXPECT_EQ(CodeMeaning(1000), "unknown error code");
 }
 
 }  // namespace

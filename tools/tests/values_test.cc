@@ -40,43 +40,6 @@ TEST(ValuesTest, Integers) {
   EXPECT_EQ(IntegerText(big.data(), big.size(), true), "0x" + std::string(80, '1'));
 }
 
-TEST(ValuesTest, ObjectIdentifiers) {
-  struct Row {
-    const char* hex;
-    const char* dotted;
-  };
-  const Row rows[] = {
-      {"2A864886F70D", "1.2.840.113549"},
-      {"2A8503020213", "1.2.643.2.2.19"},
-      {"00", "0.0"}, {"27", "0.39"}, {"28", "1.0"}, {"4F", "1.39"}, {"50", "2.0"},
-      {"8837", "2.999"},
-      {"2B0601040182371402", "1.3.6.1.4.1.311.20.2"},
-      {"2A81FFFFFFFFFFFFFFFF7F", "1.2.18446744073709551615"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.dotted);
-    const Bytes contents = H(row.hex);
-    std::string dotted;
-    ASSERT_TRUE(DecodeOid(contents.data(), contents.size(), &dotted));
-    EXPECT_EQ(dotted, row.dotted);
-    Bytes back;
-    ASSERT_TRUE(EncodeOid(row.dotted, &back));
-    EXPECT_EQ(back, contents);
-  }
-  for (const char* bad : {"", "2A86", "2A8182838485868788898A01"}) {
-    SCOPED_TRACE(bad);
-    const Bytes contents = H(bad);
-    std::string dotted;
-    EXPECT_FALSE(DecodeOid(contents.data(), contents.size(), &dotted));
-  }
-  for (const char* bad : {"", "1", "1.", ".1.2", "1..2", "3.1", "1.40", "0.40", "1.2.x", "1.02",
-                          "1.2.18446744073709551616"}) {
-    SCOPED_TRACE(bad);
-    Bytes contents;
-    EXPECT_FALSE(EncodeOid(bad, &contents));
-  }
-}
-
 TEST(ValuesTest, Times) {
   struct Row {
     const char* text;
