@@ -30,6 +30,17 @@ int Malformed(std::ostream& err, const Input& input, const std::string& message)
   return kExitMalformed;
 }
 
+// Open loads the input of a command; a failure is reported and its status returned.
+int Open(const std::string& file, InputForm form, std::ostream& err, std::unique_ptr<Input>* input) {
+  try {
+    *input = LoadInput(file, form);
+    return kExitOk;
+  } catch (const ToolError& e) {
+    Report(err, InputName(file), e.what());
+    return e.status();
+  }
+}
+
 // Releaser lets the pages of a mapped input go once the walk is past them.
 std::function<void(std::size_t)> Releaser(Input* input) {
   return [input](std::size_t offset) { input->Release(offset); };
@@ -56,12 +67,7 @@ Source BundledSample() {
 
 int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
   std::unique_ptr<Input> input;
-  try {
-    input = LoadInput(request.file, request.inform);
-  } catch (const ToolError& e) {
-    Report(err, InputName(request.file), e.what());
-    return e.status();
-  }
+  if (const int status = Open(request.file, request.inform, err, &input)) return status;
   Span span{0, input->size()};
   if (!request.offsets.empty()) {
     try {
@@ -94,12 +100,7 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
 
 int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& err) {
   std::unique_ptr<Input> input;
-  try {
-    input = LoadInput(request.file, request.inform);
-  } catch (const ToolError& e) {
-    Report(err, InputName(request.file), e.what());
-    return e.status();
-  }
+  if (const int status = Open(request.file, request.inform, err, &input)) return status;
   Located at;
   try {
     at = Locate(input->data(), input->size(), request.offsets, request.encapsulated,
@@ -114,12 +115,7 @@ int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& e
 
 int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
   std::unique_ptr<Input> input;
-  try {
-    input = LoadInput(request.file, request.inform);
-  } catch (const ToolError& e) {
-    Report(err, InputName(request.file), e.what());
-    return e.status();
-  }
+  if (const int status = Open(request.file, request.inform, err, &input)) return status;
   if (request.type.empty() && !input->sample()) {
     Report(err, "show", "--as TYPE is required with a FILE or standard input (see keyasn show --help)");
     return kExitUsage;

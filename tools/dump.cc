@@ -25,15 +25,6 @@ const char* UniversalName(unsigned int tag) {
   return tag < sizeof kNames / sizeof kNames[0] ? kNames[tag] : nullptr;
 }
 
-bool IsStringType(unsigned int tag) {
-  switch (tag) {
-    case 7: case 12: case 18: case 19: case 20: case 21: case 22: case 25: case 26: case 27:
-      return true;
-    default:
-      return false;
-  }
-}
-
 // Described is the readable value of a primitive in its two forms.
 struct Described {
   std::string text;           // for the text line (may be empty)
@@ -183,6 +174,15 @@ Json ElementFields(const Element& e, const unsigned char* data) {
   if (e.encapsulated) j["encapsulated"] = true;
   AddOriginalHeader(e, data, &j);
   return j;
+}
+
+bool IsStringType(unsigned int tag) {
+  switch (tag) {
+    case 7: case 12: case 18: case 19: case 20: case 21: case 22: case 25: case 26: case 27:
+      return true;
+    default:
+      return false;
+  }
 }
 
 const char* ClassName(unsigned char tag_class) {

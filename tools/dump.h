@@ -19,6 +19,10 @@ using Json = nlohmann::ordered_json;
 // "[PRIVATE n]" ("EOC" for end-of-contents octets).
 std::string TypeName(unsigned char tag_class, unsigned int tag);
 
+// IsStringType: a universal tag whose contents are text octets as they stand
+// (not BMPString or UniversalString, which are UTF-16 and UTF-32).
+bool IsStringType(unsigned int tag);
+
 // ClassName is "universal", "application", "context" or "private".
 const char* ClassName(unsigned char tag_class);
 

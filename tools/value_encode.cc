@@ -5,6 +5,7 @@
 
 #include "keyasn/codec/oid.h"
 
+#include "dump.h"
 #include "values.h"
 
 namespace keyasn {
@@ -66,15 +67,6 @@ bool TimeContents(const std::string& iso, bool generalized, Bytes* out) {
   const std::string text = digits + rest;
   out->assign(text.begin(), text.end());
   return true;
-}
-
-bool IsPlainString(unsigned int tag) {
-  switch (tag) {
-    case 7: case 12: case 18: case 19: case 20: case 21: case 22: case 25: case 26: case 27:
-      return true;
-    default:
-      return false;
-  }
 }
 
 // CodePoints reads UTF-8 text; false when it is not valid UTF-8.
@@ -157,7 +149,7 @@ bool ValueContents(unsigned int tag, const std::string& text, Bytes* contents, s
       *problem = "expected UTF-8 text";
       break;
     default:
-      if (IsPlainString(tag)) {
+      if (IsStringType(tag)) {
         out.assign(text.begin(), text.end());
       } else {
         ok = ParseHex(text, &out);

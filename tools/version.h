@@ -7,8 +7,8 @@
 namespace keyasn {
 namespace tool {
 
-// VersionText is "keyasn TOOL\nlibkeyasn LIB (PATH)", the library's version
-// read from the name of the shared object loaded.
+// VersionText is two lines, "keyasn TOOL" and "libkeyasn LIB": the library's
+// version as the loaded library reports it.
 std::string VersionText(const std::string& tool_version);
 
 }  // namespace tool
