@@ -19,6 +19,8 @@ std::string UpperLabel(const std::string& type) {
   return label;
 }
 
+}  // namespace
+
 void Report(std::ostream& err, const std::string& name, const std::string& message) {
   err << "keyasn: " << name << ": " << message << '\n';
 }
@@ -28,12 +30,14 @@ std::string WalkErrorText(const WalkError& error) {
          " " + CodeMeaning(error.code) + ": " + error.meaning;
 }
 
+std::string InputName(const std::string& file) {
+  return file.empty() ? "<bundled sample>" : file == "-" ? "<stdin>" : file;
+}
+
 Source LoadSource(const std::string& file) {
   if (file.empty()) return BundledSample();
   return ReadSource(file);
 }
-
-}  // namespace
 
 Source BundledSample() {
   Source source;
@@ -43,7 +47,7 @@ Source BundledSample() {
 }
 
 int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::string name = InputName(request.file);
   try {
     Source source = LoadSource(request.file);
     name = source.name;
@@ -73,7 +77,7 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
 }
 
 int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::string name = InputName(request.file);
   const std::string type_name = request.type.empty() ? "container" : request.type;
   const TypeInfo* type = FindType(type_name);
   if (type == nullptr) {

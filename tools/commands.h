@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "der_walk.h"
 #include "input.h"
 
 namespace keyasn {
@@ -43,6 +44,14 @@ int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err
 
 // The bundled sample container (made from samples/container.der at build time).
 Source BundledSample();
+
+// Shared by the commands: a message "keyasn: NAME: MESSAGE" on `err`, the text of
+// a walk's error, the name of the input in messages, and the input (the bundled
+// sample when `file` is empty).
+void Report(std::ostream& err, const std::string& name, const std::string& message);
+std::string InputName(const std::string& file);
+std::string WalkErrorText(const WalkError& error);
+Source LoadSource(const std::string& file);
 
 }  // namespace tool
 }  // namespace keyasn

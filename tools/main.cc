@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
+#include "lint_command.h"
 #include "types.h"
 
 namespace {
@@ -41,7 +42,8 @@ int main(int argc, char** argv) {
   CLI::App app{
       "keyasn " KEYASN_VERSION ": inspect BER/DER files and key records, with JSON in and out.\n"
       "Input may be raw DER/BER, PEM, base64 or hex text (detected).\n"
-      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error.",
+      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error,\n"
+      "4 lint found a DER error.",
       "keyasn"};
   app.set_version_flag("--version", "keyasn " KEYASN_VERSION);
   app.require_subcommand(1, 1);
@@ -58,6 +60,17 @@ int main(int argc, char** argv) {
   dump_command->add_flag("--no-encap", no_encap,
                          "Do not open OCTET STRING and BIT STRING contents that hold DER");
   AddInform(dump_command, &dump.inform);
+
+  keyasn::tool::LintRequest lint;
+  CLI::App* lint_command = app.add_subcommand(
+      "lint", "Check any BER/DER input against the DER rules of X.690, one line per\n"
+              "finding (offset, severity, rule id, message), then a summary.\n"
+              "Exit status 4 when a finding is an error. Without FILE: the bundled sample.");
+  lint_command->add_option("FILE", lint.file, "Input file, or - for standard input");
+  lint_command->add_flag("--json", lint.json,
+                         "Print a JSON array of the findings (offset, depth, rule, severity, "
+                         "message, path)");
+  AddInform(lint_command, &lint.inform);
 
   keyasn::tool::ShowRequest show;
   CLI::App* show_command = app.add_subcommand(
@@ -93,6 +106,7 @@ int main(int argc, char** argv) {
     dump.encapsulated = !no_encap;
     return keyasn::tool::RunDump(dump, std::cout, std::cerr);
   }
+  if (*lint_command) return keyasn::tool::RunLint(lint, std::cout, std::cerr);
   if (*show_command) {
     if (!show.file.empty() && show.type.empty()) {
       std::cerr << "keyasn show: --as TYPE is required with a FILE\n" << TypeList();

@@ -121,13 +121,13 @@ void CivilFromDays(int64_t z, int64_t* y, int* m, int* d) {
   *y = yoe + era * 400 + (*m <= 2);
 }
 
+}  // namespace
+
 int DaysInMonth(int64_t y, int m) {
   static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (m == 2 && ((y % 4 == 0 && y % 100 != 0) || y % 400 == 0)) return 29;
   return kDays[m - 1];
 }
-
-}  // namespace
 
 bool TimeText(const unsigned char* data, std::size_t size, bool generalized, std::string* iso) {
   const unsigned char* p = data;

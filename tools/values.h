@@ -32,6 +32,9 @@ bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted)
 // false for any other text.
 bool EncodeOid(const std::string& dotted, Bytes* contents);
 
+// DaysInMonth is the number of days of `month` (1..12) in the Gregorian `year`.
+int DaysInMonth(int64_t year, int month);
+
 // TimeText turns UTCTime (`generalized` false) or GeneralizedTime text into ISO
 // 8601 in UTC ("2024-01-01T00:00:00Z", a fraction kept); a GeneralizedTime
 // without a zone is local time and ends without "Z". False when the text is not
