@@ -103,7 +103,10 @@ LintResult Lint(const Tree& tree, const unsigned char* data) {
     for (int root : tree.roots) {
       const Element& e = tree.elements[root];
       const std::size_t end = End(e, size);
-      if (end > tree.error.offset || End(e, SIZE_MAX) != end) break;
+      // An indefinite element the walk did not close has no length yet.
+      const bool open = e.indefinite && e.constructed &&
+                        (e.children.empty() || !tree.elements[e.children.back()].end_of_contents);
+      if (open || end > tree.error.offset || End(e, SIZE_MAX) != end) break;
       whole_end = end;
     }
     if (whole_end == 0) {

@@ -158,6 +158,9 @@ TEST(LintTest, MalformedKeepsTheFindingsBeforeTheDamage) {
   ASSERT_EQ(result.findings.size(), 1u);
   EXPECT_STREQ(result.findings[0].rule, "boolean.value");
   EXPECT_TRUE(LintHex("3005").malformed);
+  // An indefinite element never closed is damage, not trailing data.
+  EXPECT_TRUE(LintHex("3080 3080 0500").malformed);
+  EXPECT_FALSE(LintHex("3080 0000 3080 0500").malformed);
 }
 
 TEST(LintTest, FindingsOfElements) {
