@@ -46,12 +46,16 @@ int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err
 Source BundledSample();
 
 // Shared by the commands: a message "keyasn: NAME: MESSAGE" on `err`, the text of
-// a walk's error, the name of the input in messages, and the input (the bundled
-// sample when `file` is empty).
+// a walk's error, the name of the input in messages, and the input's DER (from
+// the bundled sample when `file` is empty; `name` set to the input's name).
 void Report(std::ostream& err, const std::string& name, const std::string& message);
 std::string InputName(const std::string& file);
 std::string WalkErrorText(const WalkError& error);
-Source LoadSource(const std::string& file);
+// FinishOutput flushes `out` and returns the exit status: 2 with the walk's
+// `damage` reported (when not null), 3 when the output failed, otherwise 0.
+int FinishOutput(std::ostream& out, std::ostream& err, const std::string& name,
+                 const WalkError* damage);
+Bytes ReadInput(const std::string& file, InputForm form, std::string* name);
 
 }  // namespace tool
 }  // namespace keyasn

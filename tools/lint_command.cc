@@ -63,9 +63,7 @@ void PrintText(const LintResult& result, std::ostream& out) {
 int RunLint(const LintRequest& request, std::ostream& out, std::ostream& err) {
   std::string name = InputName(request.file);
   try {
-    Source source = LoadSource(request.file);
-    name = source.name;
-    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
+    const Bytes der = ReadInput(request.file, request.inform, &name);
     const Tree tree = Walk(der.data(), der.size(), WalkOptions());
     const LintResult result = Lint(tree, der.data());
     if (request.json) {
@@ -75,15 +73,8 @@ int RunLint(const LintRequest& request, std::ostream& out, std::ostream& err) {
     } else {
       PrintText(result, out);
     }
-    out.flush();
-    if (result.malformed) {
-      Report(err, name, WalkErrorText(tree.error));
-      return kExitMalformed;
-    }
-    if (!out) {
-      Report(err, name, "cannot write the output");
-      return kExitIo;
-    }
+    const int status = FinishOutput(out, err, name, result.malformed ? &tree.error : nullptr);
+    if (status != kExitOk) return status;
     for (const Finding& f : result.findings) {
       if (f.severity == Severity::kError) return kExitFindings;
     }

@@ -9,17 +9,12 @@
 #include <gtest/gtest.h>
 
 #include "common.h"
+#include "hex_bytes.h"
 #include "lint_rules.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 LintResult LintHex(const std::string& hex) {
   const Bytes der = H(hex);

@@ -4,17 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include "hex_bytes.h"
 #include "oid_names.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 TEST(ValuesTest, Integers) {
   struct Row {
