@@ -3,6 +3,8 @@
 # ones when run as root, otherwise prints the apt-get line and fails.
 set -euo pipefail
 pkgs=(g++ cmake ninja-build make pkg-config libgtest-dev googletest openssl ca-certificates)
+# The exported-symbol and ABI checks.
+pkgs+=(binutils abigail-tools)
 # The command-line tool alone uses these two (the library depends on nothing).
 pkgs+=(libcli11-dev nlohmann-json3-dev)
 pkgs+=("$@")

@@ -173,3 +173,7 @@ unsigned int CASNAlgAddInfo::ReadObject(const unsigned char* data, unsigned int 
   Assign(data, static_cast<unsigned int>(total));
   return static_cast<unsigned int>(total);
 }
+
+CASNAlgAddInfo::CASNAlgAddInfo(const CASNAlgAddInfo& other) = default;
+
+CASNAlgAddInfo& CASNAlgAddInfo::operator=(const CASNAlgAddInfo& other) = default;

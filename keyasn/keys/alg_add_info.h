@@ -18,6 +18,8 @@ class KEYASN_API CASNAlgAddInfo : public CRUVCryptBitBlob {
  public:
   // CASNAlgAddInfo(sign, hash, encrypt) encodes the three texts (each may be null).
   CASNAlgAddInfo(const char* signOid, const char* hashOid, const char* encryptOid);
+  CASNAlgAddInfo(const CASNAlgAddInfo& other);
+  CASNAlgAddInfo& operator=(const CASNAlgAddInfo& other);
   ~CASNAlgAddInfo() override;
 
   // EncodeObject replaces the octets with the encoding of the three dotted texts; a

@@ -97,3 +97,11 @@ IdentObj ASNCryptokiContInfo::WriteData(int* error) const {
   items.push_back(ASNTPutSequence(Elements, 16, error));
   return ASNTPutSequence(items, 16, error);
 }
+
+ASNCryptokiElemInfo::ASNCryptokiElemInfo(const ASNCryptokiElemInfo& other) = default;
+
+ASNCryptokiElemInfo& ASNCryptokiElemInfo::operator=(const ASNCryptokiElemInfo& other) = default;
+
+ASNCryptokiContInfo::ASNCryptokiContInfo(const ASNCryptokiContInfo& other) = default;
+
+ASNCryptokiContInfo& ASNCryptokiContInfo::operator=(const ASNCryptokiContInfo& other) = default;

@@ -13,6 +13,8 @@ class KEYASN_API ASNCryptokiElemInfo {
  public:
   // ASNCryptokiElemInfo() holds Type 0 and an empty Value.
   ASNCryptokiElemInfo();
+  ASNCryptokiElemInfo(const ASNCryptokiElemInfo& other);
+  ASNCryptokiElemInfo& operator=(const ASNCryptokiElemInfo& other);
   ~ASNCryptokiElemInfo();
 
   // ReadData reads the SEQUENCE at `data` and returns the octets it occupies, or 0
@@ -40,6 +42,8 @@ class KEYASN_API ASNCryptokiContInfo {
  public:
   // ASNCryptokiContInfo() holds an empty name, zero numbers and no elements.
   ASNCryptokiContInfo();
+  ASNCryptokiContInfo(const ASNCryptokiContInfo& other);
+  ASNCryptokiContInfo& operator=(const ASNCryptokiContInfo& other);
   ~ASNCryptokiContInfo();
 
   // ReadData reads the SEQUENCE at `data`. Returns 0 on success, or the code of the

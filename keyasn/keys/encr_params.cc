@@ -99,3 +99,9 @@ int CASNEncrParams::GetFromDsdr(const unsigned char* data, unsigned int size) {
   }
   return keyasn::kOk;
 }
+
+CASNEncrParams::CASNEncrParams(const CASNEncrParams& other) = default;
+
+CASNEncrParams& CASNEncrParams::operator=(const CASNEncrParams& other) = default;
+
+CASNEncrParams::~CASNEncrParams() = default;

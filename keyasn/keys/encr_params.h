@@ -20,6 +20,9 @@ class KEYASN_API CASNEncrParams {
   // that GetFromDsdr completes, so it ends in a dot on purpose), keyMeshingOid
   // "1.2.643.2.2.14.1", mode 1, shiftBits 64, an empty substitution box.
   CASNEncrParams();
+  CASNEncrParams(const CASNEncrParams& other);
+  CASNEncrParams& operator=(const CASNEncrParams& other);
+  ~CASNEncrParams();
 
   // ReadData replaces the members from the DER element at `data`, each as soon as
   // its item is decoded (a failure part-way keeps what was already replaced).

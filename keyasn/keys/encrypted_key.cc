@@ -60,3 +60,9 @@ IdentObj CASNEncryptedKey::WriteData() const {
   items.push_back(EncodeUniversalItem(4, additionalData.GetData(), additionalData.Count()));
   return ASNTPutSequence(items, 16, nullptr);
 }
+
+CASNEncryptedKey::CASNEncryptedKey(const CASNEncryptedKey& other) = default;
+
+CASNEncryptedKey& CASNEncryptedKey::operator=(const CASNEncryptedKey& other) = default;
+
+CASNEncryptedKey::~CASNEncryptedKey() = default;

@@ -9,6 +9,10 @@
 // additionalData }, both items required, in that order. A plain value type.
 class KEYASN_API CASNEncryptedKey {
  public:
+  CASNEncryptedKey(const CASNEncryptedKey& other);
+  CASNEncryptedKey& operator=(const CASNEncryptedKey& other);
+  ~CASNEncryptedKey();
+
   // CASNEncryptedKey(key, keySize, extra, extraSize) copies the two octet runs into
   // `encryptedKey` and `additionalData` (a null pointer with a size gives zeros; a
   // size of 0 leaves the member without a buffer).

@@ -123,3 +123,11 @@ IdentObj CASNEphemeralKeyInfo::WriteData() const {
   outer.Push_Back(trailer);
   return outer.WriteData(nullptr);
 }
+
+CASNEphemeralKeyInfo::CASNEphemeralKeyInfo() = default;
+
+CASNEphemeralKeyInfo::CASNEphemeralKeyInfo(const CASNEphemeralKeyInfo& other) = default;
+
+CASNEphemeralKeyInfo& CASNEphemeralKeyInfo::operator=(const CASNEphemeralKeyInfo& other) = default;
+
+CASNEphemeralKeyInfo::~CASNEphemeralKeyInfo() = default;

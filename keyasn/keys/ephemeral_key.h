@@ -14,6 +14,11 @@
 // written through the record tree (CASNTUnit).
 class KEYASN_API CASNEphemeralKeyInfo {
  public:
+  CASNEphemeralKeyInfo();
+  CASNEphemeralKeyInfo(const CASNEphemeralKeyInfo& other);
+  CASNEphemeralKeyInfo& operator=(const CASNEphemeralKeyInfo& other);
+  ~CASNEphemeralKeyInfo();
+
   // ReadData reads the element at `data` and returns the octets used, as the tree
   // reader reports them. The algorithm text read is inserted in front of what
   // `algorithmOid` holds (callers read into fresh objects). In the key part, the

@@ -101,3 +101,27 @@ IdentObj CASNProxyKeyExchangeData::WriteData() const {
   items.push_back(keyasn::detail::EncodeUniversalItem(4, proxyData.GetData(), proxyData.Count()));
   return ASNTPutSequence(items, 16, nullptr);
 }
+
+CASNExportKeyInfo::CASNExportKeyInfo() = default;
+
+CASNExportKeyInfo::CASNExportKeyInfo(const CASNExportKeyInfo& other) = default;
+
+CASNExportKeyInfo& CASNExportKeyInfo::operator=(const CASNExportKeyInfo& other) = default;
+
+CASNExportKeyInfo::~CASNExportKeyInfo() = default;
+
+CASNExchangeKeyData::CASNExchangeKeyData() = default;
+
+CASNExchangeKeyData::CASNExchangeKeyData(const CASNExchangeKeyData& other) = default;
+
+CASNExchangeKeyData& CASNExchangeKeyData::operator=(const CASNExchangeKeyData& other) = default;
+
+CASNExchangeKeyData::~CASNExchangeKeyData() = default;
+
+CASNProxyKeyExchangeData::CASNProxyKeyExchangeData() = default;
+
+CASNProxyKeyExchangeData::CASNProxyKeyExchangeData(const CASNProxyKeyExchangeData& other) = default;
+
+CASNProxyKeyExchangeData& CASNProxyKeyExchangeData::operator=(const CASNProxyKeyExchangeData& other) = default;
+
+CASNProxyKeyExchangeData::~CASNProxyKeyExchangeData() = default;

@@ -12,6 +12,11 @@
 // complete elements copied verbatim. A plain value type.
 class KEYASN_API CASNExportKeyInfo {
  public:
+  CASNExportKeyInfo();
+  CASNExportKeyInfo(const CASNExportKeyInfo& other);
+  CASNExportKeyInfo& operator=(const CASNExportKeyInfo& other);
+  ~CASNExportKeyInfo();
+
   // ReadData reads the SEQUENCE at `data`. Returns the size of its header
   // (identifier and length octets) only, not of the whole element: callers rely on
   // that value, kept on purpose. A null `data` or a `size` of 0 returns 0 and
@@ -36,6 +41,11 @@ class KEYASN_API CASNExportKeyInfo {
 // with that structure's operations.
 class KEYASN_API CASNExchangeKeyData : public CASNExportKeyInfo {
  public:
+  CASNExchangeKeyData();
+  CASNExchangeKeyData(const CASNExchangeKeyData& other);
+  CASNExchangeKeyData& operator=(const CASNExchangeKeyData& other);
+  ~CASNExchangeKeyData();
+
   // ReadData splits the SEQUENCE at `data` and returns the octets the splitter
   // consumed. The first item is read as CASNExportKeyInfo; a second one is split
   // into `exchangeItems`, whose items are appended to what the list held (callers
@@ -55,6 +65,11 @@ class KEYASN_API CASNExchangeKeyData : public CASNExportKeyInfo {
 // Its first two members are those of CASNExportKeyInfo.
 class KEYASN_API CASNProxyKeyExchangeData : public CASNExportKeyInfo {
  public:
+  CASNProxyKeyExchangeData();
+  CASNProxyKeyExchangeData(const CASNProxyKeyExchangeData& other);
+  CASNProxyKeyExchangeData& operator=(const CASNProxyKeyExchangeData& other);
+  ~CASNProxyKeyExchangeData();
+
   // ReadData splits the SEQUENCE at `data` and returns the octets the splitter
   // consumed. The first item is read as CASNExportKeyInfo, the second one's decoded
   // value becomes `proxyData` (its tag is not examined). Throws the XRUVStatus of

@@ -18,11 +18,14 @@ constexpr char kReadPlace[] = "CASNTIdData::ReadData";
 constexpr unsigned int kIndefinite = 0xFFFFFFFF;
 
 // ReadObjectId reads the OBJECT IDENTIFIER element at the front of `data` into
-// `objId` and returns the octets it used. The identifier is kept as its contents
-// octets as they stand (not as dotted text), so it writes back unchanged.
-unsigned int ReadObjectId(const unsigned char* data, unsigned int size, IdentObj& objId) {
+// `objId` and adds the octets it used to `count`, before its tag is tested: a
+// reader that fails on the tag reports them as consumed. The identifier is kept as
+// its contents octets as they stand (not as dotted text), so it writes back unchanged.
+unsigned int ReadObjectId(const unsigned char* data, unsigned int size, IdentObj& objId,
+                          unsigned int& count) {
   CASNTBaseRecord record;
   const unsigned int used = record.ReadData(data, size, nullptr);
+  count += used;
   if (record.GetTag() != kObjectIdTag) throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
   // A successful read used header + contents octets, all within `size`.
   const unsigned int length = record.GetEntrySize();
@@ -102,7 +105,7 @@ unsigned int CASNTIdData::ReadData(const void* data, unsigned int size, int* err
     }
     // The items are read from the rest of the buffer; the outer length is not
     // used to bound them (kept for compatibility).
-    count += ReadObjectId(bytes + count, size - count, objId);
+    ReadObjectId(bytes + count, size - count, objId, count);
     if (count == size) {
       addInfo.Empty();
       return count;
@@ -136,7 +139,9 @@ unsigned int CASNTIdData::ReadData(const CRUVFile& file, int* err) {
     IdentObj contents(nullptr, length);
     const unsigned int read = file.Read(contents.GetData(), length);
     count += read;
-    const unsigned int used = ReadObjectId(contents.GetData(), length, objId);
+    // The count already holds what the file gave; the items' octets are not added.
+    unsigned int used = 0;
+    ReadObjectId(contents.GetData(), length, objId, used);
     // The parameters header is parsed even when no octets remain: the record
     // model reports such a sequence as malformed.
     ReadParameters(contents.GetData() + used, length - used, addInfo);

@@ -16,6 +16,12 @@
 // consumed before the failure, a writer an empty result); with a null `err` the
 // exception propagates. On success `err` is not written. Nothing is rolled back
 // after a failed read.
+namespace keyasn {
+namespace detail {
+class KeyInfoWriter;
+}  // namespace detail
+}  // namespace keyasn
+
 class KEYASN_API CASNTIdData {
  public:
   // CASNTIdData() holds an empty identifier and no parameters.
@@ -60,6 +66,9 @@ class KEYASN_API CASNTIdData {
   unsigned int GetObjectSize() const;
 
  protected:
+  // The key info writer puts both members straight into its output.
+  friend class keyasn::detail::KeyInfoWriter;
+
   IdentObj objId;    // contents octets of the OBJECT IDENTIFIER
   IdentObj addInfo;  // the whole parameters element, or empty for absent/NULL
 };

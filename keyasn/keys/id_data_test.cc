@@ -89,7 +89,8 @@ TEST(CASNTIdData, BufferReadFailures) {
       {"empty input", "", keyasn::kErrMalformed, "CASNTBaseRecord::ReadASNInfo", 0, "01 02"},
       {"one octet", "30", keyasn::kErrMalformed, "CASNTBaseRecord::ReadASNInfo", 0, "01 02"},
       {"outer SET", "31 03 06 01 2A", keyasn::kErrMalformed, "CASNTIdData::ReadData", 2, "01 02"},
-      {"first item INTEGER", "30 03 02 01 05", keyasn::kErrMalformed, "CASNTIdData::ReadData", 2,
+      // The identifier element's octets are counted before its tag is tested.
+      {"first item INTEGER", "30 03 02 01 05", keyasn::kErrMalformed, "CASNTIdData::ReadData", 5,
        "01 02"},
       {"no items", "30 00", keyasn::kErrMalformed, "CASNTBaseRecord::ReadASNInfo", 2, "01 02"},
       {"identifier cut short", "30 03 06 05 2A", keyasn::kErrTooShort,

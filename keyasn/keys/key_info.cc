@@ -30,15 +30,14 @@ constexpr unsigned int kLongSecondOctetsFlag = 0x10;
 // any key, and below the point where length octets or sums could overflow.
 constexpr uint64_t kDirectLimit = 0x7FFFFF00u;
 
-// Reaches the identifier data's protected members without copying them.
-struct IdDataAccess : CASNTIdData {
-  static const IdentObj& ObjId(const CASNTIdData& d) { return d.*(&IdDataAccess::objId); }
-  static const IdentObj& AddInfo(const CASNTIdData& d) { return d.*(&IdDataAccess::addInfo); }
-};
-
 uint64_t TlvSize(uint64_t contents) {
   return 1 + keyasn::detail::LengthSize(static_cast<unsigned int>(contents)) + contents;
 }
+
+}  // namespace
+
+namespace keyasn {
+namespace detail {
 
 // KeyInfoWriter measures (out null) or writes the items of a key info, in the
 // order and form the record model gives them: INTEGER Flags and Number, then each
@@ -50,9 +49,9 @@ class KeyInfoWriter {
     KeyInfoWriter w(out);
     w.Integer(ki.Flags);
     w.Integer(ki.Number);
-    const IdentObj& objId = IdDataAccess::ObjId(ki.AlgorithmId);
+    const IdentObj& objId = ki.AlgorithmId.objId;
     if (objId.Count() != 0) {
-      const IdentObj& addInfo = IdDataAccess::AddInfo(ki.AlgorithmId);
+      const IdentObj& addInfo = ki.AlgorithmId.addInfo;
       const uint64_t oid = TlvSize(objId.Count());
       const uint64_t params = addInfo.Count() != 0 ? addInfo.Count() : 2;
       const uint64_t sequence = TlvSize(oid + params);
@@ -130,6 +129,12 @@ class KeyInfoWriter {
   unsigned char* out_;
   uint64_t size_ = 0;
 };
+
+}  // namespace detail
+}  // namespace keyasn
+
+namespace {
+
 
 // ReadInteger reads an INTEGER item into `target`: zero, then the decoded value
 // (least significant octet first) over its first octets. At most four octets are
@@ -308,7 +313,7 @@ bool ASNKeyInfo::operator!=(const ASNKeyInfo& other) const { return !(*this == o
 IdentObj ASNKeyInfo::WriteData(int* err) const {
   // The items are written straight into one buffer of the final size; the
   // octets are those the record model and ASNTPutSequence give.
-  const uint64_t contents = KeyInfoWriter::Emit(*this, nullptr);
+  const uint64_t contents = keyasn::detail::KeyInfoWriter::Emit(*this, nullptr);
   if (contents > kDirectLimit) return keyasn::detail::WriteKeyInfoByRecords(*this, err);
   const unsigned int size = static_cast<unsigned int>(contents);
   unsigned char header[1 + keyasn::detail::kMaxLengthOctets];
@@ -317,7 +322,7 @@ IdentObj ASNKeyInfo::WriteData(int* err) const {
   IdentObj result;
   result.Alloc(h + size);
   std::memcpy(result.GetData(), header, h);
-  KeyInfoWriter::Emit(*this, result.GetData() + h);
+  keyasn::detail::KeyInfoWriter::Emit(*this, result.GetData() + h);
   if (err != nullptr) *err = keyasn::kOk;  // as the join reports success
   return result;
 }

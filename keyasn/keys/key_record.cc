@@ -63,3 +63,5 @@ IdentObj CASNKeyRecord::WriteData() const {
   if (key.WriteData(out.GetData() + head, blob) < blob) return IdentObj();
   return out;
 }
+
+CASNKeyRecord::CASNKeyRecord() = default;

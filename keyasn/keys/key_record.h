@@ -11,7 +11,7 @@
 // overwritten by assignment or by a read, and when the record is destroyed.
 class KEYASN_API CASNKeyRecord {
  public:
-  CASNKeyRecord() = default;
+  CASNKeyRecord();
   // The copy holds copies of both members.
   CASNKeyRecord(const CASNKeyRecord& other);
   // operator= wipes this record's key, then copies both members; self-assignment

@@ -43,3 +43,11 @@ IdentObj CASNPublicKeyInfo::WriteData() const {
   items.push_back(keyasn::detail::EncodeUniversalItem(3, bits.GetData(), bits.Count()));
   return ASNTPutSequence(items, 16, nullptr);
 }
+
+CASNPublicKeyInfo::CASNPublicKeyInfo() = default;
+
+CASNPublicKeyInfo::CASNPublicKeyInfo(const CASNPublicKeyInfo& other) = default;
+
+CASNPublicKeyInfo& CASNPublicKeyInfo::operator=(const CASNPublicKeyInfo& other) = default;
+
+CASNPublicKeyInfo::~CASNPublicKeyInfo() = default;

@@ -10,6 +10,11 @@
 // subject public key info. A plain value type.
 class KEYASN_API CASNPublicKeyInfo {
  public:
+  CASNPublicKeyInfo();
+  CASNPublicKeyInfo(const CASNPublicKeyInfo& other);
+  CASNPublicKeyInfo& operator=(const CASNPublicKeyInfo& other);
+  ~CASNPublicKeyInfo();
+
   // ReadData reads the SEQUENCE at `data` and returns the length the sequence
   // splitter reported. The BIT STRING's unused-bits octet is dropped without being
   // checked. Throws XRUVStatus(206, "CASNPublicKeyInfo::ReadData ASNTGetSequence",

@@ -40,6 +40,8 @@ CASNValid& CASNValid::operator=(const CASNValid& other) {
   return *this;
 }
 
+const IdentObj& CASNValid::GetEncoded() const { return encoded; }
+
 void CASNValid::SetEncoded(const IdentObj& encoding) { encoded = encoding; }
 
 void CASNValid::SetTime(const CRUVFileTime& from, const CRUVFileTime& to) {

@@ -30,7 +30,7 @@ class KEYASN_API CASNValid {
   CRUVFileTime GetTime(bool from) const;
 
   // GetEncoded returns the encoding held (empty when no period is set).
-  const IdentObj& GetEncoded() const { return encoded; }
+  const IdentObj& GetEncoded() const;
   // SetEncoded replaces the encoding as it stands; it is not checked.
   void SetEncoded(const IdentObj& encoding);
 

@@ -86,6 +86,24 @@ uint64_t ReadPrimitiveByAccumulator(const CRUVFile& file, uint64_t start, uint64
 
 CASNTBaseRecord::CASNTBaseRecord() : header(), entry(), encoded() {}
 
+unsigned int CASNTBaseRecord::GetTag() const { return header.Tag; }
+
+void CASNTBaseRecord::SetTag(unsigned int tag) { header.Tag = tag; }
+
+bool CASNTBaseRecord::GetIsConstraction() const { return header.Constructed != 0; }
+
+void CASNTBaseRecord::SetIsConstraction(unsigned char constructed) {
+  header.Constructed = constructed ? 0x20 : 0;
+}
+
+unsigned char CASNTBaseRecord::GetClass() const { return header.Class; }
+
+void CASNTBaseRecord::SetClass(short tagClass) {
+  header.Class = static_cast<unsigned char>(tagClass);
+}
+
+unsigned int CASNTBaseRecord::GetEntrySize() const { return header.Length; }
+
 CASNTBaseRecord::CASNTBaseRecord(const CASNTBaseRecord& other) : header(), entry(), encoded() {
   CASNTBaseRecord::operator=(other);
 }

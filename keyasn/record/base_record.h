@@ -19,6 +19,12 @@
 // Virtual slots, in order: destructor pair, WriteData(buffer), WriteData(),
 // ReadData(buffer), WriteData(file), ReadData(file), GetObjectSize, operator=,
 // IsUnit.
+namespace keyasn {
+namespace detail {
+class UnitTree;
+}  // namespace detail
+}  // namespace keyasn
+
 class KEYASN_API CASNTBaseRecord {
  public:
   // CASNTBaseRecord() is the empty record: universal, primitive, tag 0.
@@ -60,21 +66,19 @@ class KEYASN_API CASNTBaseRecord {
   virtual bool IsUnit() const;
 
   // GetTag returns the header's tag number.
-  unsigned int GetTag() const { return header.Tag; }
+  unsigned int GetTag() const;
   // SetTag sets the tag number; neither buffer is touched (nor by the other setters).
-  void SetTag(unsigned int tag) { header.Tag = tag; }
+  void SetTag(unsigned int tag);
   // GetIsConstraction is true for a constructed element.
-  bool GetIsConstraction() const { return header.Constructed != 0; }
+  bool GetIsConstraction() const;
   // SetIsConstraction stores 0x20 for any non-zero argument, else 0.
-  void SetIsConstraction(unsigned char constructed) {
-    header.Constructed = constructed ? 0x20 : 0;
-  }
+  void SetIsConstraction(unsigned char constructed);
   // GetClass returns the class octet (0x00, 0x40, 0x80 or 0xC0).
-  unsigned char GetClass() const { return header.Class; }
+  unsigned char GetClass() const;
   // SetClass stores the low eight bits as the class octet (0x80: context-specific).
-  void SetClass(short tagClass) { header.Class = static_cast<unsigned char>(tagClass); }
+  void SetClass(short tagClass);
   // GetEntrySize returns the header's contents length (0xFFFFFFFF: indefinite).
-  unsigned int GetEntrySize() const { return header.Length; }
+  unsigned int GetEntrySize() const;
 
   // SetEntry sets the value (a copy); `encoded` becomes empty.
   void SetEntry(const void* data, unsigned int size);
@@ -121,6 +125,9 @@ class KEYASN_API CASNTBaseRecord {
                                           int* error);
 
  protected:
+  // The unit-tree walks read and fill records directly.
+  friend class keyasn::detail::UnitTree;
+
   mutable ASNT_ASN_STRUCT_INFO header;
   mutable IdentObj entry;
   mutable IdentObj encoded;

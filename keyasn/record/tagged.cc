@@ -11,6 +11,8 @@ constexpr char kWhereImplicitTagIt[] = "Implicit::TagIt";
 
 }  // namespace
 
+ITaggedType::~ITaggedType() = default;
+
 Implicit::Implicit() : ITaggedType(), CASNTBaseRecord(), hasOriginTag(false), originTag() {
   SetClass(kContextSpecific);
 }
@@ -21,6 +23,10 @@ Implicit::Implicit(const CASNTBaseRecord& record, unsigned int tag, unsigned int
   SetTag(tag);
   TagIt(record);
 }
+
+Implicit::Implicit(const Implicit& other) = default;
+
+Implicit& Implicit::operator=(const Implicit& other) = default;
 
 Implicit::~Implicit() = default;
 
@@ -65,6 +71,10 @@ Explicit::Explicit(const CASNTBaseRecord& record, unsigned int tag, unsigned int
   SetTag(tag);
   TagIt(record);
 }
+
+Explicit::Explicit(const Explicit& other) = default;
+
+Explicit& Explicit::operator=(const Explicit& other) = default;
 
 Explicit::~Explicit() = default;
 

@@ -13,7 +13,7 @@ class KEYASN_API ITaggedType {
   virtual void TagIt(const CASNTBaseRecord& record) = 0;
 
  protected:
-  ~ITaggedType() = default;  // tagged objects are never deleted through this interface
+  ~ITaggedType();  // tagged objects are never deleted through this interface
 };
 
 // Implicit replaces a member's identifier octets by its own (class, tag).
@@ -23,6 +23,8 @@ class KEYASN_API Implicit : public ITaggedType, public CASNTBaseRecord {
   Implicit();
   // Implicit(record, tag, tagClass): note the tag number comes before the class.
   Implicit(const CASNTBaseRecord& record, unsigned int tag, unsigned int tagClass);
+  Implicit(const Implicit& other);
+  Implicit& operator=(const Implicit& other);
   // ~Implicit releases the record and the origin tag.
   ~Implicit() override;
 
@@ -51,6 +53,8 @@ class KEYASN_API Explicit : public ITaggedType, public CASNTBaseRecord {
   Explicit();
   // Explicit(record, tag, tagClass): the tag number comes before the class.
   Explicit(const CASNTBaseRecord& record, unsigned int tag, unsigned int tagClass);
+  Explicit(const Explicit& other);
+  Explicit& operator=(const Explicit& other);
   // ~Explicit releases the record.
   ~Explicit() override;
 

@@ -18,13 +18,13 @@ constexpr char kWhereRead[] = "CASNTUnit::Read";
 CASNTUnit::CASNTUnit() : CASNTBaseRecord(), items() {}
 
 CASNTUnit::CASNTUnit(const CASNTUnit& other) : CASNTBaseRecord(), items() {
-  keyasn::detail::CopyUnitTree(other, this);
+  keyasn::detail::UnitTree::Copy(other, this);
 }
 
-CASNTUnit::~CASNTUnit() { keyasn::detail::DestroyUnitItems(this); }
+CASNTUnit::~CASNTUnit() { keyasn::detail::UnitTree::DestroyItems(this); }
 
 CASNTUnit& CASNTUnit::operator=(const CASNTUnit& other) {
-  if (this != &other) keyasn::detail::CopyUnitTree(other, this);
+  if (this != &other) keyasn::detail::UnitTree::Copy(other, this);
   return *this;
 }
 
@@ -42,9 +42,9 @@ unsigned int CASNTUnit::WriteData(void* buffer, unsigned int size, int* /*error*
     return n;
   }
   std::vector<keyasn::detail::UnitNode> nodes;
-  keyasn::detail::LayOutUnit(*this, &nodes);
+  keyasn::detail::UnitTree::LayOut(*this, &nodes);
   if (size < nodes[0].size) return 0;
-  return keyasn::detail::WriteUnitNodes(nodes, static_cast<unsigned char*>(buffer), size);
+  return keyasn::detail::UnitTree::WriteNodes(nodes, static_cast<unsigned char*>(buffer), size);
 }
 
 IdentObj CASNTUnit::WriteData(int* error) const {
@@ -56,7 +56,7 @@ IdentObj CASNTUnit::WriteData(int* error) const {
 unsigned int CASNTUnit::ReadData(const void* data, unsigned int size, int* error) {
   int code = keyasn::kOk;
   const unsigned int used =
-      keyasn::detail::ReadUnitTree(this, static_cast<const unsigned char*>(data), size, &code);
+      keyasn::detail::UnitTree::Read(this, static_cast<const unsigned char*>(data), size, &code);
   if (error) {
     *error = code;
   } else if (code != keyasn::kOk) {
@@ -72,7 +72,7 @@ unsigned int CASNTUnit::GetObjectSize() const {
     return 0;
   }
   std::vector<keyasn::detail::UnitNode> nodes;
-  keyasn::detail::LayOutUnit(*this, &nodes);
+  keyasn::detail::UnitTree::LayOut(*this, &nodes);
   return nodes[0].size;
 }
 

@@ -64,6 +64,9 @@ class KEYASN_API CASNTUnit : public CASNTBaseRecord {
   const IdentObj& GetEncodedRecord(int* error) const;
 
  protected:
+  // The unit-tree walks read and fill the item list directly.
+  friend class keyasn::detail::UnitTree;
+
   std::list<CASNTBaseRecord*> items;
 };
 

@@ -589,7 +589,7 @@ TEST(UnitDeep, LayoutVisitsEachRecordOnce) {
     ASSERT_EQ(unit.ReadData(bytes.data(), static_cast<unsigned int>(bytes.size()), nullptr),
               bytes.size());
     std::vector<keyasn::detail::UnitNode> nodes;
-    keyasn::detail::LayOutUnit(unit, &nodes);
+    keyasn::detail::UnitTree::LayOut(unit, &nodes);
     ASSERT_EQ(nodes.size(), depth + 1);
     EXPECT_EQ(nodes[0].record, &unit);
     EXPECT_EQ(nodes[0].size, bytes.size());

@@ -21,23 +21,10 @@ constexpr unsigned char kContextSpecific = 0x80;
 
 using ItemList = std::list<CASNTBaseRecord*>;
 
-// Reaches the protected members of units and records for the tree walks. Never
-// instantiated: it only names the members.
-struct Access : CASNTUnit {
-  static ItemList& Items(CASNTUnit& u) { return u.*(&Access::items); }
-  static const ItemList& Items(const CASNTUnit& u) { return u.*(&Access::items); }
-  static ASNT_ASN_STRUCT_INFO& Header(CASNTBaseRecord& r) { return r.*(&Access::header); }
-  static const ASNT_ASN_STRUCT_INFO& Header(const CASNTBaseRecord& r) {
-    return r.*(&Access::header);
-  }
-  static IdentObj& Entry(CASNTBaseRecord& r) { return r.*(&Access::entry); }
-  static const IdentObj& Entry(const CASNTBaseRecord& r) { return r.*(&Access::entry); }
-  static IdentObj& Encoded(CASNTBaseRecord& r) { return r.*(&Access::encoded); }
-  static const IdentObj& Encoded(const CASNTBaseRecord& r) { return r.*(&Access::encoded); }
-};
+}  // namespace
 
 // A constructed unit whose children are being read.
-struct ReadFrame {
+struct UnitTree::ReadFrame {
   CASNTUnit* unit = nullptr;
   std::unique_ptr<CASNTUnit> owned;  // null for the unit the caller handed in
   const unsigned char* data = nullptr;
@@ -50,9 +37,9 @@ struct ReadFrame {
 
 // Reads `unit` up to its children. Returns true when the unit is finished (with
 // `*code` and `*used`), false when its children are to be read next (`*frame`).
-bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size, ReadFrame* frame,
-               int* code, unsigned int* used) {
-  DestroyUnitItems(unit);
+bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
+                         ReadFrame* frame, int* code, unsigned int* used) {
+  DestroyItems(unit);
   int local = kOk;
   const unsigned int h = unit->ReadASNInfo(data, size, &local);
   *used = h;
@@ -60,7 +47,7 @@ bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size, Re
     *code = kErrBadIdentifier;  // whatever the parser said
     return true;
   }
-  const ASNT_ASN_STRUCT_INFO& header = Access::Header(*unit);
+  const ASNT_ASN_STRUCT_INFO& header = Header(*unit);
   const unsigned int length = header.Length;
   const uint64_t total = static_cast<uint64_t>(h) + length;
   if (!header.Constructed) {
@@ -69,22 +56,22 @@ bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size, Re
         *code = kErrMalformed;  // the element runs beyond the data
         return true;
       }
-      Access::Entry(*unit).Empty();
-      Access::Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
+      Entry(*unit).Empty();
+      Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
     } else if (header.Class == kContextSpecific) {
       // Contents that hold exactly one whole element become the single item.
       auto inner = std::make_unique<CASNTBaseRecord>();
       int innerCode = kOk;
       const unsigned int innerUsed = inner->ReadData(data + h, size - h, &innerCode);
       if (innerCode == kOk && innerUsed == length) {
-        Access::Items(*unit).push_back(inner.get());
+        Items(*unit).push_back(inner.get());
         inner.release();
       } else {
         if (total > size) {
           *code = kErrMalformed;
           return true;
         }
-        Access::Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
+        Encoded(*unit).Assign(data, static_cast<unsigned int>(total));
       }
     } else {
       *code = kErrMalformed;  // application or private primitive
@@ -113,10 +100,8 @@ bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size, Re
   return false;
 }
 
-}  // namespace
-
-unsigned int ReadUnitTree(CASNTUnit* root, const unsigned char* data, unsigned int size,
-                          int* code) {
+unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned int size,
+                            int* code) {
   int rc = kOk;
   unsigned int used = 0;
   std::vector<ReadFrame> stack(1);
@@ -142,7 +127,7 @@ unsigned int ReadUnitTree(CASNTUnit* root, const unsigned char* data, unsigned i
       if (rc != kOk) {
         used = parent.o;  // the failed child is released, the code passed up unchanged
       } else {
-        Access::Items(*parent.unit).push_back(child.get());
+        Items(*parent.unit).push_back(child.get());
         child.release();
         const unsigned int o = parent.o;
         if (!parent.indefinite) {
@@ -168,14 +153,14 @@ unsigned int ReadUnitTree(CASNTUnit* root, const unsigned char* data, unsigned i
   }
 }
 
-void LayOutUnit(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
+void UnitTree::LayOut(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   nodes->clear();
   struct Cursor {
     ItemList::const_iterator it;
     ItemList::const_iterator end;
     unsigned int index;
   };
-  const ItemList& rootItems = Access::Items(root);
+  const ItemList& rootItems = Items(root);
   nodes->push_back(UnitNode{&root, 0, 1, 0, 0, !rootItems.empty()});
   std::vector<Cursor> stack;
   stack.push_back(Cursor{rootItems.begin(), rootItems.end(), 0});
@@ -195,7 +180,7 @@ void LayOutUnit(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
     const bool branch = item->IsUnit();
     nodes->push_back(UnitNode{item, parent, index + 1, 0, 0, branch});
     if (branch) {
-      const ItemList& sub = Access::Items(static_cast<const CASNTUnit&>(*item));
+      const ItemList& sub = Items(static_cast<const CASNTUnit&>(*item));
       stack.push_back(Cursor{sub.begin(), sub.end(), index});
     }
   }
@@ -213,8 +198,8 @@ void LayOutUnit(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   }
 }
 
-unsigned int WriteUnitNodes(const std::vector<UnitNode>& nodes, unsigned char* buffer,
-                            unsigned int size) {
+unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned char* buffer,
+                                  unsigned int size) {
   if (!buffer) return 0;
   unsigned int offset = 0;
   std::vector<unsigned int> open;  // branches whose items are being written
@@ -227,7 +212,7 @@ unsigned int WriteUnitNodes(const std::vector<UnitNode>& nodes, unsigned char* b
         i = node.end;  // a unit that does not fit writes nothing
         continue;
       }
-      const ASNT_ASN_STRUCT_INFO& header = Access::Header(*node.record);
+      const ASNT_ASN_STRUCT_INFO& header = Header(*node.record);
       offset += PutIdentifier(buffer + offset,
                               static_cast<unsigned char>(header.Class | header.Constructed),
                               header.Tag);
@@ -248,7 +233,7 @@ unsigned int WriteUnitNodes(const std::vector<UnitNode>& nodes, unsigned char* b
   return offset;
 }
 
-void CopyUnitTree(const CASNTUnit& from, CASNTUnit* to) {
+void UnitTree::Copy(const CASNTUnit& from, CASNTUnit* to) {
   if (&from == to) return;
   // Built aside first, so `from` may even lie inside `to`'s own tree.
   CASNTUnit copy;
@@ -257,9 +242,9 @@ void CopyUnitTree(const CASNTUnit& from, CASNTUnit* to) {
     CASNTUnit* to;
   };
   auto copyFields = [](const CASNTUnit& source, CASNTUnit* target) {
-    Access::Header(*target) = Access::Header(source);  // contents pointer included
-    Access::Entry(*target) = Access::Entry(source);
-    Access::Encoded(*target) = Access::Encoded(source);
+    Header(*target) = Header(source);  // contents pointer included
+    Entry(*target) = Entry(source);
+    Encoded(*target) = Encoded(source);
   };
   copyFields(from, &copy);
   std::vector<Pair> work;
@@ -267,8 +252,8 @@ void CopyUnitTree(const CASNTUnit& from, CASNTUnit* to) {
   while (!work.empty()) {
     const Pair pair = work.back();
     work.pop_back();
-    ItemList& target = Access::Items(*pair.to);
-    for (const CASNTBaseRecord* item : Access::Items(*pair.from)) {
+    ItemList& target = Items(*pair.to);
+    for (const CASNTBaseRecord* item : Items(*pair.from)) {
       if (item->IsUnit()) {
         const CASNTUnit& sourceUnit = static_cast<const CASNTUnit&>(*item);
         auto unit = std::make_unique<CASNTUnit>();
@@ -283,23 +268,23 @@ void CopyUnitTree(const CASNTUnit& from, CASNTUnit* to) {
       }
     }
   }
-  DestroyUnitItems(to);
-  Access::Header(*to) = Access::Header(copy);
-  Access::Entry(*to) = std::move(Access::Entry(copy));
-  Access::Encoded(*to) = std::move(Access::Encoded(copy));
-  Access::Items(*to).splice(Access::Items(*to).end(), Access::Items(copy));
+  DestroyItems(to);
+  Header(*to) = Header(copy);
+  Entry(*to) = std::move(Entry(copy));
+  Encoded(*to) = std::move(Encoded(copy));
+  Items(*to).splice(Items(*to).end(), Items(copy));
 }
 
-void DestroyUnitItems(CASNTUnit* unit) noexcept {
+void UnitTree::DestroyItems(CASNTUnit* unit) noexcept {
   // Grandchildren are moved up before their parent goes, so no destructor ever
   // recurses into a subtree.
   ItemList pending;
-  pending.splice(pending.end(), Access::Items(*unit));
+  pending.splice(pending.end(), Items(*unit));
   while (!pending.empty()) {
     CASNTBaseRecord* record = pending.front();
     pending.pop_front();
     if (record->IsUnit()) {
-      pending.splice(pending.end(), Access::Items(*static_cast<CASNTUnit*>(record)));
+      pending.splice(pending.end(), Items(*static_cast<CASNTUnit*>(record)));
     }
     delete record;
   }

@@ -4,7 +4,15 @@ CRUVString::CRUVString() = default;
 
 CRUVString::CRUVString(const char* text) : m_text(text ? text : "") {}
 
+CRUVString::CRUVString(const CRUVString& other) = default;
+
+CRUVString& CRUVString::operator=(const CRUVString& other) = default;
+
 CRUVString::~CRUVString() = default;
+
+unsigned int CRUVString::Length() const { return static_cast<unsigned int>(m_text.size()); }
+
+CRUVString::operator const char*() const { return m_text.c_str(); }
 
 void CRUVString::Load(const unsigned char* data, unsigned int size) {
   if (!data || size == 0) {

@@ -11,12 +11,15 @@ class KEYASN_API CRUVString {
  public:
   CRUVString();
   explicit CRUVString(const char* text);
+  CRUVString(const CRUVString& other);
+  CRUVString& operator=(const CRUVString& other);
   ~CRUVString();
   // Load replaces the contents by `size` octets at `data`.
   void Load(const unsigned char* data, unsigned int size);
   // Length returns the number of characters.
-  unsigned int Length() const { return static_cast<unsigned int>(m_text.size()); }
-  operator const char*() const { return m_text.c_str(); }  // NOLINT: by design
+  unsigned int Length() const;
+  // The characters, NUL-terminated.
+  operator const char*() const;  // NOLINT: implicit by design
 
  private:
   std::string m_text;

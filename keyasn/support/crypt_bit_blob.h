@@ -9,21 +9,22 @@
 // a 32-bit count of unused bits in the last octet.
 class KEYASN_API CRUVCryptBitBlob : public IdentObj {
  public:
-  CRUVCryptBitBlob() noexcept : m_unusedBits(0) {}
+  CRUVCryptBitBlob() noexcept;
   CRUVCryptBitBlob(const void* data, unsigned int size, unsigned int unusedBits = 0)
       : IdentObj(data, size), m_unusedBits(unusedBits) {}
-  CRUVCryptBitBlob(const CRUVCryptBitBlob&) = default;
+  CRUVCryptBitBlob(const CRUVCryptBitBlob& other);
   CRUVCryptBitBlob(CRUVCryptBitBlob&&) noexcept = default;
-  CRUVCryptBitBlob& operator=(const CRUVCryptBitBlob&) = default;
+  // Deep copy of the octets and the unused-bit count.
+  CRUVCryptBitBlob& operator=(const CRUVCryptBitBlob& other);
   CRUVCryptBitBlob& operator=(CRUVCryptBitBlob&&) noexcept = default;
   ~CRUVCryptBitBlob() override;
 
-  unsigned int GetUnusedBits() const noexcept { return m_unusedBits; }
-  void SetUnusedBits(unsigned int unusedBits) noexcept { m_unusedBits = unusedBits; }
+  unsigned int GetUnusedBits() const;
+  void SetUnusedBits(unsigned int unusedBits);
 
-  // Equal when the octets and the unused-bit counts are equal.
-  bool operator==(const CRUVCryptBitBlob& other) const;
-  bool operator!=(const CRUVCryptBitBlob& other) const { return !(*this == other); }
+  // True when the octets or the unused-bit counts differ.
+  bool operator!=(const CRUVCryptBitBlob& other) const;
+  bool operator==(const CRUVCryptBitBlob& other) const { return !(*this != other); }
 
  private:
   unsigned int m_unusedBits;

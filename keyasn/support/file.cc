@@ -75,3 +75,5 @@ unsigned int CRUVFile::Write(const void* data, unsigned int size) {
   std::fflush(m_file);
   return static_cast<unsigned int>(put);
 }
+
+const char* CRUVFile::FileName() const { return m_name.c_str(); }

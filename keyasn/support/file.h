@@ -35,7 +35,7 @@ class KEYASN_API CRUVFile {
   // Write writes `size` octets at the current position; returns the count written.
   unsigned int Write(const void* data, unsigned int size);
   // FileName returns the path the file was opened with.
-  const char* FileName() const { return m_name.c_str(); }
+  const char* FileName() const;
 
  private:
   std::FILE* m_file;

@@ -83,6 +83,24 @@ bool SystemTimeToFileTime(const SYSTEMTIME* systemTime, FILETIME* fileTime) {
   return true;
 }
 
+CRUVFileTime::CRUVFileTime() noexcept : m_time{0, 0} {}
+
+CRUVFileTime::CRUVFileTime(const FILETIME& time) noexcept : m_time(time) {}
+
+CRUVFileTime::CRUVFileTime(unsigned long ticks) noexcept
+    : m_time{static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)} {}
+
+CRUVFileTime& CRUVFileTime::operator=(const FILETIME& time) noexcept {
+  m_time = time;
+  return *this;
+}
+
+const FILETIME& CRUVFileTime::GetFileTime() const noexcept { return m_time; }
+
+bool CRUVFileTime::operator<(const CRUVFileTime& other) const noexcept {
+  return GetTicks() < other.GetTicks();
+}
+
 CRUVFileTime CRUVFileTime::operator+(const FILETIME& duration) const noexcept {
   return CRUVFileTime(GetTicks() + CRUVFileTime(duration).GetTicks());
 }

@@ -39,29 +39,26 @@ KEYASN_API bool SystemTimeToFileTime(const SYSTEMTIME* systemTime, FILETIME* fil
 // first eight octets are the FILETIME). The default value, 0, means "no time".
 class KEYASN_API CRUVFileTime {
  public:
-  CRUVFileTime() noexcept : m_time{0, 0} {}
-  CRUVFileTime(const FILETIME& time) noexcept : m_time(time) {}  // NOLINT: implicit by design
+  CRUVFileTime() noexcept;
+  CRUVFileTime(const FILETIME& time) noexcept;  // NOLINT: implicit by design
   // CRUVFileTime(ticks) takes a count of 100-nanosecond intervals.
-  CRUVFileTime(unsigned long ticks) noexcept  // NOLINT: implicit by design
-      : m_time{static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)} {}
-  CRUVFileTime& operator=(const FILETIME& time) noexcept {
-    m_time = time;
-    return *this;
-  }
+  CRUVFileTime(unsigned long ticks) noexcept;  // NOLINT: implicit by design
+  CRUVFileTime& operator=(const FILETIME& time) noexcept;
+  // Copies stay trivial (implicitly declared): the time is passed and returned in
+  // registers, as existing callers expect of an eight-octet value.
 
   // operator+ and operator- move the time later or earlier by a duration given as
   // a count of 100-nanosecond intervals (wrapping modulo 2^64).
   CRUVFileTime operator+(const FILETIME& duration) const noexcept;
   CRUVFileTime operator-(const FILETIME& duration) const noexcept;
-  bool operator<(const CRUVFileTime& other) const noexcept {
-    return GetTicks() < other.GetTicks();
-  }
+  // Earlier than.
+  bool operator<(const CRUVFileTime& other) const noexcept;
   bool operator==(const CRUVFileTime& other) const noexcept {
     return GetTicks() == other.GetTicks();
   }
   bool operator!=(const CRUVFileTime& other) const noexcept { return !(*this == other); }
 
-  const FILETIME& GetFileTime() const noexcept { return m_time; }
+  const FILETIME& GetFileTime() const noexcept;
   // GetTicks returns the 64-bit count.
   unsigned long GetTicks() const noexcept {
     return (static_cast<unsigned long>(m_time.dwHighDateTime) << 32) | m_time.dwLowDateTime;

@@ -22,6 +22,8 @@ unsigned int GetLe32(const unsigned char* p) {
 
 }  // namespace
 
+IdentObj::IdentObj() noexcept : m_size(0), m_data(nullptr) {}
+
 IdentObj::IdentObj(const void* data, unsigned int size)
     : m_size(size), m_data(NewOctets(size)) {
   if (size == 0) return;
@@ -35,17 +37,6 @@ IdentObj::IdentObj(const IdentObj& other) : IdentObj(other.m_data, other.m_size)
 
 IdentObj& IdentObj::operator=(const IdentObj& other) {
   if (this != &other) Assign(other.m_data, other.m_size);
-  return *this;
-}
-
-IdentObj& IdentObj::operator=(IdentObj&& other) noexcept {
-  if (this != &other) {
-    delete[] m_data;
-    m_size = other.m_size;
-    m_data = other.m_data;
-    other.m_size = 0;
-    other.m_data = nullptr;
-  }
   return *this;
 }
 
@@ -112,18 +103,18 @@ unsigned int IdentObj::ReadData(const void* source, unsigned int size) {
   return 4 + count;
 }
 
-bool operator==(const IdentObj& a, const IdentObj& b) {
-  return a.Count() == b.Count() &&
-         (a.Count() == 0 || std::memcmp(a.GetData(), b.GetData(), a.Count()) == 0);
+bool IdentObj::operator==(const IdentObj& other) const {
+  return m_size == other.m_size &&
+         (m_size == 0 || std::memcmp(m_data, other.m_data, m_size) == 0);
 }
 
-bool operator!=(const IdentObj& a, const IdentObj& b) { return !(a == b); }
+bool IdentObj::operator!=(const IdentObj& other) const { return !(*this == other); }
 
-bool operator<(const IdentObj& a, const IdentObj& b) {
-  const unsigned int common = std::min(a.Count(), b.Count());
+bool IdentObj::operator<(const IdentObj& other) const {
+  const unsigned int common = std::min(m_size, other.m_size);
   if (common) {
-    const int c = std::memcmp(a.GetData(), b.GetData(), common);
+    const int c = std::memcmp(m_data, other.m_data, common);
     if (c != 0) return c < 0;
   }
-  return a.Count() < b.Count();
+  return m_size < other.m_size;
 }

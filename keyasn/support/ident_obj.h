@@ -15,7 +15,7 @@
 class KEYASN_API IdentObj {
  public:
   // IdentObj() is the empty buffer (count 0, no octets).
-  IdentObj() noexcept : m_size(0), m_data(nullptr) {}
+  IdentObj() noexcept;
   // IdentObj(data, size) copies `size` octets from `data`; a null `data` gives
   // `size` zero octets.
   IdentObj(const void* data, unsigned int size);
@@ -25,7 +25,16 @@ class KEYASN_API IdentObj {
     other.m_data = nullptr;
   }
   IdentObj& operator=(const IdentObj& other);
-  IdentObj& operator=(IdentObj&& other) noexcept;
+  IdentObj& operator=(IdentObj&& other) noexcept {
+    if (this != &other) {
+      delete[] m_data;
+      m_size = other.m_size;
+      m_data = other.m_data;
+      other.m_size = 0;
+      other.m_data = nullptr;
+    }
+    return *this;
+  }
 
   // GetSize returns the number of octets held.
   virtual unsigned int GetSize() const;
@@ -57,16 +66,16 @@ class KEYASN_API IdentObj {
   // (and nothing changed) when the data is shorter than the count it declares.
   unsigned int ReadData(const void* source, unsigned int size);
 
+  // Equal when the counts and all octets are equal.
+  bool operator==(const IdentObj& other) const;
+  bool operator!=(const IdentObj& other) const;
+  // A strict weak ordering consistent with ==: octets compared lexicographically as
+  // unsigned values, a proper prefix before the longer buffer.
+  bool operator<(const IdentObj& other) const;
+
  private:
   unsigned int m_size;
   unsigned char* m_data;
 };
-
-// Equal when the counts and all octets are equal.
-KEYASN_API bool operator==(const IdentObj& a, const IdentObj& b);
-KEYASN_API bool operator!=(const IdentObj& a, const IdentObj& b);
-// A strict weak ordering consistent with ==: octets compared lexicographically as
-// unsigned values, a proper prefix before the longer buffer.
-KEYASN_API bool operator<(const IdentObj& a, const IdentObj& b);
 
 #endif  // KEYASN_SUPPORT_IDENT_OBJ_H_

@@ -13,17 +13,16 @@
 class KEYASN_API XRUVMsg : public std::exception {
  public:
   explicit XRUVMsg(const char* message);
-  XRUVMsg(const XRUVMsg&) noexcept = default;
-  XRUVMsg& operator=(const XRUVMsg&) noexcept = default;
+  XRUVMsg(const XRUVMsg& other) noexcept;
+  XRUVMsg& operator=(const XRUVMsg& other) noexcept;
   ~XRUVMsg() override;
   // what returns the message line.
   const char* what() const noexcept override;
 
  protected:
   XRUVMsg() noexcept = default;
-  void SetMessage(std::string message);
 
- private:
+  // The message line; set by the constructors of derived exceptions.
   std::shared_ptr<const std::string> m_message;
 };
 
@@ -34,14 +33,14 @@ class KEYASN_API XRUVMsg : public std::exception {
 class KEYASN_API XRUVStatus : public XRUVMsg {
  public:
   XRUVStatus(int code, const char* where, bool flag);
-  XRUVStatus(const XRUVStatus&) noexcept = default;
-  XRUVStatus& operator=(const XRUVStatus&) noexcept = default;
+  XRUVStatus(const XRUVStatus& other) noexcept;
+  XRUVStatus& operator=(const XRUVStatus& other) noexcept;
   ~XRUVStatus() override;
 
   // Status returns the numeric code.
-  int Status() const noexcept { return m_status; }
+  int Status() const noexcept;
   // Where returns the place text exactly as given.
-  const char* Where() const noexcept { return m_where ? m_where->c_str() : ""; }
+  const char* Where() const noexcept;
   // Flag returns the third constructor argument.
   bool Flag() const noexcept { return m_flag; }
 
