@@ -84,6 +84,7 @@ class Walker {
 };
 
 Tree Walker::Run() {
+  tree_.input_size = size_;
   frames_.push_back(Frame{-1, size_, false, 0, false});
   while (!frames_.empty() && Step()) {
   }
