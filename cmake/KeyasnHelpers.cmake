@@ -6,6 +6,7 @@ function(keyasn_test name)
   target_link_libraries(${name} PRIVATE keyasn_internal GTest::gtest GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE
     KEYASN_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    KEYASN_PROJECT_VERSION="${PROJECT_VERSION}"
     KEYASN_SHARED_DIR="${PROJECT_SOURCE_DIR}/../shared")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES

@@ -1,6 +1,10 @@
-// keyasn: the whole public interface in one include.
+/// @file
+/// keyasn: the whole public interface in one include.
 #ifndef KEYASN_KEYASN_H_
 #define KEYASN_KEYASN_H_
+
+// Version.
+#include "keyasn/version.h"
 
 // Utility types.
 #include "keyasn/support/crypt_bit_blob.h"
@@ -15,7 +19,9 @@
 #include "keyasn/codec/decoder.h"
 #include "keyasn/codec/encoder.h"
 #include "keyasn/codec/error_codes.h"
+#include "keyasn/codec/error_text.h"
 #include "keyasn/codec/header.h"
+#include "keyasn/codec/oid.h"
 #include "keyasn/codec/sequence.h"
 
 // Record model.

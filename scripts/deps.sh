@@ -7,6 +7,9 @@ pkgs=(g++ cmake ninja-build make pkg-config libgtest-dev googletest openssl ca-c
 pkgs+=(binutils abigail-tools)
 # The command-line tool alone uses these two (the library depends on nothing).
 pkgs+=(libcli11-dev nlohmann-json3-dev)
+# The Debian packages: building (dpkg-shlibdeps, dpkg-gensymbols), checking, and
+# the test that installs them.
+pkgs+=(dpkg-dev fakeroot file lintian)
 pkgs+=("$@")
 missing=()
 for p in "${pkgs[@]}"; do

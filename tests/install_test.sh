@@ -5,10 +5,13 @@ set -euo pipefail
 build=$1 consumer=$2 work=$3
 rm -rf "$work"; mkdir -p "$work"
 prefix=$work/prefix
-cmake --install "$build" --prefix "$prefix" >/dev/null
-for f in include/keyasn/keyasn.h include/keyasn/support/ident_obj.h lib/libkeyasn.so \
-         lib/libkeyasn.so.1 lib/pkgconfig/keyasn.pc lib/cmake/keyasn/keyasnConfig.cmake \
-         lib/cmake/keyasn/keyasnConfigVersion.cmake; do
+# The libdir of this tree: lib/x86_64-linux-gnu when configured for /usr (the
+# default preset), lib otherwise; the installed files must work under any prefix.
+lib=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:[A-Z]*=//p' "$build/CMakeCache.txt")
+cmake --install "$build" --prefix "$prefix" --strip >/dev/null
+for f in include/keyasn/keyasn.h include/keyasn/support/ident_obj.h $lib/libkeyasn.so \
+         $lib/libkeyasn.so.1 $lib/pkgconfig/keyasn.pc $lib/cmake/keyasn/keyasnConfig.cmake \
+         $lib/cmake/keyasn/keyasnConfigVersion.cmake; do
   [ -e "$prefix/$f" ] || { echo "not installed: $f"; exit 1; }
 done
 if find "$prefix/include" -name '*_test*' -o -name 'test_*' | grep -q .; then echo "test helpers installed"; exit 1; fi
@@ -27,11 +30,18 @@ if [ -x "$build/tools/keyasn" ]; then
   "$prefix/bin/keyasn" show > /dev/null || { echo "bin/keyasn show fails"; exit 1; }
 fi
 # 1. pkg-config
-flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs keyasn)
+flags=$(PKG_CONFIG_PATH=$prefix/$lib/pkgconfig pkg-config --cflags --libs keyasn)
 c++ -std=c++17 "$consumer/main.cc" -o "$work/consumer_pc" $flags
-LD_LIBRARY_PATH=$prefix/lib "$work/consumer_pc"
+LD_LIBRARY_PATH=$prefix/$lib "$work/consumer_pc"
 # 2. find_package
 cmake -S "$consumer" -B "$work/cmake_build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/cmake_build" >/dev/null
-LD_LIBRARY_PATH=$prefix/lib "$work/cmake_build/consumer"
-echo "consumer ok (pkg-config and find_package)"
+LD_LIBRARY_PATH=$prefix/$lib "$work/cmake_build/consumer"
+# Stripped by --strip: no debug information left in the installed library.
+if readelf -S "$prefix/$lib/libkeyasn.so.1" | grep -q -E '\.debug_'; then
+  echo "installed library carries debug information"; exit 1
+fi
+# The CMake target names its include directory once.
+incs=$(sed -n 's/.*INTERFACE_INCLUDE_DIRECTORIES "\(.*\)"/\1/p' "$prefix/$lib/cmake/keyasn/keyasnTargets.cmake")
+[ "$incs" = '${_IMPORT_PREFIX}/include' ] || { echo "include directories of the target: $incs"; exit 1; }
+echo "consumer ok under $lib (pkg-config and find_package)"

@@ -19,6 +19,8 @@ std::string UpperLabel(const std::string& type) {
   return label;
 }
 
+}  // namespace
+
 void Report(std::ostream& err, const std::string& name, const std::string& message) {
   err << "keyasn: " << name << ": " << message << '\n';
 }
@@ -28,12 +30,29 @@ std::string WalkErrorText(const WalkError& error) {
          " " + CodeMeaning(error.code) + ": " + error.meaning;
 }
 
-Source LoadSource(const std::string& file) {
-  if (file.empty()) return BundledSample();
-  return ReadSource(file);
+std::string InputName(const std::string& file) {
+  return file.empty() ? "<bundled sample>" : file == "-" ? "<stdin>" : file;
 }
 
-}  // namespace
+int FinishOutput(std::ostream& out, std::ostream& err, const std::string& name,
+                 const WalkError* damage) {
+  out.flush();
+  if (damage != nullptr) {
+    Report(err, name, WalkErrorText(*damage));
+    return kExitMalformed;
+  }
+  if (!out) {
+    Report(err, name, "cannot write the output");
+    return kExitIo;
+  }
+  return kExitOk;
+}
+
+Bytes ReadInput(const std::string& file, InputForm form, std::string* name) {
+  Source source = file.empty() ? BundledSample() : ReadSource(file);
+  *name = source.name;
+  return DecodeInput(source.bytes, form, nullptr);
+}
 
 Source BundledSample() {
   Source source;
@@ -43,11 +62,9 @@ Source BundledSample() {
 }
 
 int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::string name = InputName(request.file);
   try {
-    Source source = LoadSource(request.file);
-    name = source.name;
-    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
+    const Bytes der = ReadInput(request.file, request.inform, &name);
     WalkOptions options;
     options.open_encapsulated = request.encapsulated;
     const Tree tree = Walk(der.data(), der.size(), options);
@@ -56,16 +73,7 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
     } else {
       DumpText(tree, der.data(), request.full, out);
     }
-    out.flush();
-    if (tree.failed) {
-      Report(err, name, WalkErrorText(tree.error));
-      return kExitMalformed;
-    }
-    if (!out) {
-      Report(err, name, "cannot write the output");
-      return kExitIo;
-    }
-    return kExitOk;
+    return FinishOutput(out, err, name, tree.failed ? &tree.error : nullptr);
   } catch (const ToolError& e) {
     Report(err, name, e.what());
     return e.status();
@@ -73,7 +81,7 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
 }
 
 int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
-  std::string name = request.file.empty() ? "<bundled sample>" : request.file == "-" ? "<stdin>" : request.file;
+  std::string name = InputName(request.file);
   const std::string type_name = request.type.empty() ? "container" : request.type;
   const TypeInfo* type = FindType(type_name);
   if (type == nullptr) {
@@ -81,9 +89,7 @@ int RunShow(const ShowRequest& request, std::ostream& out, std::ostream& err) {
     return kExitUsage;
   }
   try {
-    Source source = LoadSource(request.file);
-    name = source.name;
-    const Bytes der = DecodeInput(source.bytes, request.inform, nullptr);
+    const Bytes der = ReadInput(request.file, request.inform, &name);
     if (type->single_element) {
       // The structure readers stop at what they need; the walk first checks the
       // whole input, so that damage is reported with its offset.

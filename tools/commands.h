@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "der_walk.h"
 #include "input.h"
 
 namespace keyasn {
@@ -43,6 +44,18 @@ int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err
 
 // The bundled sample container (made from samples/container.der at build time).
 Source BundledSample();
+
+// Shared by the commands: a message "keyasn: NAME: MESSAGE" on `err`, the text of
+// a walk's error, the name of the input in messages, and the input's DER (from
+// the bundled sample when `file` is empty; `name` set to the input's name).
+void Report(std::ostream& err, const std::string& name, const std::string& message);
+std::string InputName(const std::string& file);
+std::string WalkErrorText(const WalkError& error);
+// FinishOutput flushes `out` and returns the exit status: 2 with the walk's
+// `damage` reported (when not null), 3 when the output failed, otherwise 0.
+int FinishOutput(std::ostream& out, std::ostream& err, const std::string& name,
+                 const WalkError* damage);
+Bytes ReadInput(const std::string& file, InputForm form, std::string* name);
 
 }  // namespace tool
 }  // namespace keyasn

@@ -1,28 +1,20 @@
 #include "der_walk.h"
 
+#include <cctype>
 #include <climits>
 
+#include "keyasn/codec/error_text.h"
 #include "keyasn/codec/header.h"
 
 namespace keyasn {
 namespace tool {
 
 std::string CodeMeaning(int code) {
-  switch (code) {
-    case 5: return "short read";
-    case 6: return "short write";
-    case 12: return "no buffer for a string conversion";
-    case 16: return "unexpected failure";
-    case 28: return "not a SEQUENCE or SET tag";
-    case 37: return "data shorter than needed";
-    case 42: return "the encrypted key cannot be written";
-    case 115: return "element not handled by the decoder";
-    case 131: return "wrong type, or a value of the wrong size or range";
-    case 134: return "not the binary parameter form";
-    case 205: return "malformed identifier octets";
-    case 206: return "malformed or truncated data";
-    default: return "error";
-  }
+  // The library's sentence as a phrase: first letter in lower case, no full stop.
+  std::string text = keyasn::ErrorText(code);
+  if (!text.empty() && text.back() == '.') text.pop_back();
+  if (!text.empty()) text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+  return text;
 }
 
 namespace {
@@ -92,6 +84,7 @@ class Walker {
 };
 
 Tree Walker::Run() {
+  tree_.input_size = size_;
   frames_.push_back(Frame{-1, size_, false, 0, false});
   while (!frames_.empty() && Step()) {
   }

@@ -41,6 +41,7 @@ struct WalkError {
 struct Tree {
   std::vector<Element> elements;  // in encoding order (each parent before its children)
   std::vector<int> roots;
+  std::size_t input_size = 0;     // octets walked
   bool failed = false;
   WalkError error;
 };
@@ -58,7 +59,9 @@ Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& option
 // left over, with no error anywhere inside.
 bool IsCompleteEncoding(const unsigned char* data, std::size_t size);
 
-// CodeMeaning names one of the library's codes ("malformed or truncated data").
+// CodeMeaning names one of the library's codes as a phrase for a message line:
+// keyasn::ErrorText without its capital and full stop ("the data is malformed or
+// truncated").
 std::string CodeMeaning(int code);
 
 }  // namespace tool

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "lint.h"
 #include "oid_names.h"
 #include "values.h"
 
@@ -96,6 +97,14 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
         d.name = OidName(dotted);
         d.text = dotted;
         if (d.name != nullptr) d.text += std::string(" (") + d.name + ")";
+        // A subidentifier with a leading zero group decodes like the minimal
+        // one; the octets show which encoding this is.
+        for (std::size_t i = 0; i < n; ++i) {
+          if (p[i] == 0x80 && (i == 0 || (p[i - 1] & 0x80) == 0)) {
+            d.text += ", encoded " + HexText(p, n, full);
+            break;
+          }
+        }
       } else {
         d.text = HexText(p, n, full) + " (malformed OBJECT IDENTIFIER)";
       }
@@ -105,7 +114,9 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
     case 24: {
       std::string iso;
       if (TimeText(p, n, e.tag == 24, &iso)) {
-        d.text = iso;
+        // The text as encoded beside its UTC value, so that a form other than
+        // DER's stays visible.
+        d.text = std::string(reinterpret_cast<const char*>(p), n) + " = " + iso;
         d.value = iso;
       } else {
         d.text = QuoteString(p, n, false) + " (not a valid time)";
@@ -136,7 +147,10 @@ Described Describe(const Element& e, const unsigned char* data, bool full) {
   }
 }
 
-Json ElementJson(const Tree& tree, int index, const unsigned char* data) {
+using ElementFindings = std::vector<std::vector<const Finding*>>;
+
+Json ElementJson(const Tree& tree, int index, const unsigned char* data,
+                 const ElementFindings& findings) {
   const Element& e = tree.elements[index];
   Json j;
   j["offset"] = e.offset;
@@ -156,8 +170,15 @@ Json ElementJson(const Tree& tree, int index, const unsigned char* data) {
     j["hex"] = ToHex(data + e.offset + e.header_length, e.length);
   }
   if (e.encapsulated) j["encapsulated"] = true;
+  if (!findings[index].empty()) {
+    Json list = Json::array();
+    for (const Finding* f : findings[index]) {
+      list.push_back({{"rule", f->rule}, {"severity", SeverityName(f->severity)}, {"message", f->message}});
+    }
+    j["findings"] = std::move(list);
+  }
   Json children = Json::array();
-  for (int child : e.children) children.push_back(ElementJson(tree, child, data));
+  for (int child : e.children) children.push_back(ElementJson(tree, child, data, findings));
   j["children"] = std::move(children);
   return j;
 }
@@ -185,7 +206,10 @@ std::string TypeName(unsigned char tag_class, unsigned int tag) {
 }
 
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out) {
-  for (const Element& e : tree.elements) {
+  const LintResult lint = Lint(tree, data);
+  const ElementFindings findings = FindingsOf(tree, lint);
+  for (std::size_t index = 0; index < tree.elements.size(); ++index) {
+    const Element& e = tree.elements[index];
     char head[64];
     const std::string length = e.indefinite ? "inf" : std::to_string(e.length);
     std::snprintf(head, sizeof head, "%6zu %2u %6s %s ", e.offset, e.header_length,
@@ -197,13 +221,16 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
       const Described d = Describe(e, data, full);
       if (!d.text.empty()) line += " " + d.text;
     }
+    for (const Finding* f : findings[index]) line += std::string("  ! ") + f->rule;
     out << line << '\n';
   }
 }
 
 Json DumpJson(const Tree& tree, const unsigned char* data) {
+  const LintResult lint = Lint(tree, data);
+  const ElementFindings findings = FindingsOf(tree, lint);
   Json all = Json::array();
-  for (int root : tree.roots) all.push_back(ElementJson(tree, root, data));
+  for (int root : tree.roots) all.push_back(ElementJson(tree, root, data, findings));
   return all;
 }
 

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
+#include "lint_command.h"
 #include "types.h"
 
 namespace {
@@ -29,7 +30,9 @@ std::string TypeList() {
   return text;
 }
 
-void AddInform(CLI::App* command, InputForm* form) {
+// AddInput adds the input operand and its form.
+void AddInput(CLI::App* command, std::string* file, InputForm* form) {
+  command->add_option("FILE", *file, "Input file, or - for standard input");
   command->add_option("--inform", *form,
                       "Input form: der, pem, base64 or hex (default: detected)")
       ->transform(CLI::CheckedTransformer(kInputForms, CLI::ignore_case));
@@ -41,7 +44,8 @@ int main(int argc, char** argv) {
   CLI::App app{
       "keyasn " KEYASN_VERSION ": inspect BER/DER files and key records, with JSON in and out.\n"
       "Input may be raw DER/BER, PEM, base64 or hex text (detected).\n"
-      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error.",
+      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error,\n"
+      "4 lint found a DER error.",
       "keyasn"};
   app.set_version_flag("--version", "keyasn " KEYASN_VERSION);
   app.require_subcommand(1, 1);
@@ -51,25 +55,33 @@ int main(int argc, char** argv) {
       "dump", "Print the element tree of any BER/DER input, one line per element\n"
               "(offset, header length, contents length, cons/prim, type, value).\n"
               "Without FILE: the bundled sample container.");
-  dump_command->add_option("FILE", dump.file, "Input file, or - for standard input");
+  AddInput(dump_command, &dump.file, &dump.inform);
   dump_command->add_flag("--json", dump.json, "Print a JSON array of the top-level elements");
   dump_command->add_flag("--full", dump.full, "Do not shorten long octet strings");
   bool no_encap = false;
   dump_command->add_flag("--no-encap", no_encap,
                          "Do not open OCTET STRING and BIT STRING contents that hold DER");
-  AddInform(dump_command, &dump.inform);
+
+  keyasn::tool::LintRequest lint;
+  CLI::App* lint_command = app.add_subcommand(
+      "lint", "Check any BER/DER input against the DER rules of X.690, one line per\n"
+              "finding (offset, severity, rule id, message), then a summary.\n"
+              "Exit status 4 when a finding is an error. Without FILE: the bundled sample.");
+  AddInput(lint_command, &lint.file, &lint.inform);
+  lint_command->add_flag("--json", lint.json,
+                         "Print a JSON array of the findings (offset, depth, rule, severity, "
+                         "message, path)");
 
   keyasn::tool::ShowRequest show;
   CLI::App* show_command = app.add_subcommand(
       "show", "Decode one key structure and print its members by name.\n"
               "Without FILE: the bundled sample container (--as container).");
   show_command->footer(TypeList());
-  show_command->add_option("FILE", show.file, "Input file, or - for standard input");
+  AddInput(show_command, &show.file, &show.inform);
   show_command->add_option("--as", show.type, "The structure TYPE (required with FILE)")
       ->type_name("TYPE");
   show_command->add_flag("--json", show.json, "Print the members as JSON (input of encode)");
   show_command->add_flag("--full", show.full, "Do not shorten long octet strings");
-  AddInform(show_command, &show.inform);
 
   keyasn::tool::EncodeRequest encode;
   CLI::App* encode_command = app.add_subcommand(
@@ -93,6 +105,7 @@ int main(int argc, char** argv) {
     dump.encapsulated = !no_encap;
     return keyasn::tool::RunDump(dump, std::cout, std::cerr);
   }
+  if (*lint_command) return keyasn::tool::RunLint(lint, std::cout, std::cerr);
   if (*show_command) {
     if (!show.file.empty() && show.type.empty()) {
       std::cerr << "keyasn show: --as TYPE is required with a FILE\n" << TypeList();

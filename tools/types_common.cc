@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "der_walk.h"
+#include "keyasn/codec/oid.h"
 #include "values.h"
 
 namespace keyasn {
@@ -132,14 +133,12 @@ CRUVFileTime ReadTime(const JsonIn& in, const std::string& name) {
 }
 
 void ShowOidContents(View* view, const std::string& name, const IdentObj& contents) {
-  std::string dotted;
-  Bytes back;
   if (contents.Count() == 0) {
     view->Oid(name, "");
     return;
   }
-  if (DecodeOid(contents.GetData(), contents.Count(), &dotted) && EncodeOid(dotted, &back) &&
-      back == ToBytes(contents)) {
+  const std::string dotted = keyasn::OidText(contents);
+  if (!dotted.empty()) {
     view->Oid(name, dotted);
     return;
   }

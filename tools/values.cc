@@ -18,76 +18,6 @@ std::string IntegerText(const unsigned char* data, std::size_t size, bool full) 
   return std::to_string(static_cast<int64_t>(value));
 }
 
-bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted) {
-  if (size == 0) return false;
-  std::string text;
-  uint64_t value = 0;
-  bool first = true;
-  bool open = false;
-  for (std::size_t i = 0; i < size; ++i) {
-    if (value > (~uint64_t{0} >> 7)) return false;
-    value = (value << 7) | (data[i] & 0x7F);
-    open = (data[i] & 0x80) != 0;
-    if (open) continue;
-    if (first) {
-      const uint64_t arc = value < 40 ? 0 : value < 80 ? 1 : 2;
-      text = std::to_string(arc) + "." + std::to_string(value - 40 * arc);
-      first = false;
-    } else {
-      text += "." + std::to_string(value);
-    }
-    value = 0;
-  }
-  if (open) return false;
-  dotted->swap(text);
-  return true;
-}
-
-namespace {
-
-void PutBase128(uint64_t value, Bytes* out) {
-  unsigned char groups[10];
-  int n = 0;
-  do {
-    groups[n++] = static_cast<unsigned char>(value & 0x7F);
-    value >>= 7;
-  } while (value != 0);
-  while (n > 1) out->push_back(groups[--n] | 0x80);
-  out->push_back(groups[0]);
-}
-
-}  // namespace
-
-bool EncodeOid(const std::string& dotted, Bytes* contents) {
-  std::vector<uint64_t> arcs;
-  uint64_t value = 0;
-  bool digits = false;
-  for (std::size_t i = 0; i <= dotted.size(); ++i) {
-    const char c = i < dotted.size() ? dotted[i] : '.';
-    if (c == '.') {
-      if (!digits) return false;
-      arcs.push_back(value);
-      value = 0;
-      digits = false;
-    } else if (c >= '0' && c <= '9') {
-      if (digits && value == 0) return false;  // no leading zeros
-      const uint64_t digit = static_cast<uint64_t>(c - '0');
-      if (value > (~uint64_t{0} - digit) / 10) return false;
-      value = value * 10 + digit;
-      digits = true;
-    } else {
-      return false;
-    }
-  }
-  if (arcs.size() < 2 || arcs[0] > 2 || (arcs[0] < 2 && arcs[1] >= 40)) return false;
-  if (arcs[1] > ~uint64_t{0} - 80) return false;
-  Bytes out;
-  PutBase128(arcs[0] * 40 + arcs[1], &out);
-  for (std::size_t i = 2; i < arcs.size(); ++i) PutBase128(arcs[i], &out);
-  contents->swap(out);
-  return true;
-}
-
 namespace {
 
 bool Digits(const unsigned char* p, std::size_t n, int* value) {
@@ -121,13 +51,38 @@ void CivilFromDays(int64_t z, int64_t* y, int* m, int* d) {
   *y = yoe + era * 400 + (*m <= 2);
 }
 
+}  // namespace
+
+bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted) {
+  if (size == 0) return false;
+  std::string text;
+  uint64_t value = 0;
+  bool first = true;
+  bool open = false;
+  for (std::size_t i = 0; i < size; ++i) {
+    if (value > (~uint64_t{0} >> 7)) return false;
+    value = (value << 7) | (data[i] & 0x7F);
+    open = (data[i] & 0x80) != 0;
+    if (open) continue;
+    if (first) {
+      const uint64_t arc = value < 40 ? 0 : value < 80 ? 1 : 2;
+      text = std::to_string(arc) + "." + std::to_string(value - 40 * arc);
+      first = false;
+    } else {
+      text += "." + std::to_string(value);
+    }
+    value = 0;
+  }
+  if (open) return false;
+  dotted->swap(text);
+  return true;
+}
+
 int DaysInMonth(int64_t y, int m) {
   static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (m == 2 && ((y % 4 == 0 && y % 100 != 0) || y % 400 == 0)) return 29;
   return kDays[m - 1];
 }
-
-}  // namespace
 
 bool TimeText(const unsigned char* data, std::size_t size, bool generalized, std::string* iso) {
   const unsigned char* p = data;

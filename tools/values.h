@@ -23,14 +23,14 @@ std::string HexText(const unsigned char* data, std::size_t size, bool full);
 // bits, otherwise "0x" and hex (shortened like HexText unless `full`).
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full);
 
-// DecodeOid writes the dotted form of object identifier contents (X.690 8.19);
-// false when they are empty, a subidentifier does not end or exceeds 64 bits.
+// DecodeOid writes the dotted form of any object identifier's contents (X.690
+// 8.19, arcs up to 64 bits); false when they are empty or a subidentifier does not
+// end or overflows. The dump shows every valid identifier this way, including
+// those that the library's own text form (keyasn::OidText) does not carry.
 bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted);
 
-// EncodeOid writes the contents octets of a dotted identifier (two or more
-// decimal components, the first 0..2, the second below 40 unless the first is 2);
-// false for any other text.
-bool EncodeOid(const std::string& dotted, Bytes* contents);
+// DaysInMonth is the number of days of `month` (1..12) in the Gregorian `year`.
+int DaysInMonth(int64_t year, int month);
 
 // TimeText turns UTCTime (`generalized` false) or GeneralizedTime text into ISO
 // 8601 in UTC ("2024-01-01T00:00:00Z", a fraction kept); a GeneralizedTime

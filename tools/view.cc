@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "dump.h"
+#include "keyasn/codec/oid.h"
 #include "oid_names.h"
 #include "values.h"
 
@@ -216,7 +217,8 @@ Bytes JsonIn::OidContents(const std::string& name) const {
   Bytes contents;
   if (v.is_string()) {
     if (v.get<std::string>().empty()) return contents;
-    if (EncodeOid(v.get<std::string>(), &contents)) return contents;
+    const IdentObj octets = keyasn::OidContents(v.get<std::string>().c_str());
+    if (octets.Count() != 0) return Bytes(octets.GetData(), octets.GetData() + octets.Count());
   } else if (v.is_object() && v.contains("hex") && v.size() == 1) {
     return Get(name).Hex("hex");
   }

@@ -14,10 +14,6 @@
 
 namespace {
 
-// Codes of this structure's own failures.
-constexpr int kErrOther = 16;      // a standard exception other than XRUVStatus
-constexpr int kErrBadDsdr = 134;   // the binary form is too short or its magic wrong
-
 constexpr unsigned int kDsdrSize = 70;
 constexpr unsigned int kBoxSize = 64;
 constexpr unsigned char kDsdrMagic[4] = {0x40, 0x01, 0x00, 0x00};
@@ -61,7 +57,7 @@ int CASNEncrParams::ReadData(const unsigned char* data, unsigned int size) {
   } catch (const XRUVStatus& status) {
     return status.Status();
   } catch (const std::exception&) {
-    return kErrOther;
+    return keyasn::kErrUnexpected;
   }
 }
 
@@ -85,8 +81,8 @@ std::vector<unsigned char> CASNEncrParams::WriteData() {
 }
 
 int CASNEncrParams::GetFromDsdr(const unsigned char* data, unsigned int size) {
-  if (!data || size < kDsdrSize) return kErrBadDsdr;
-  if (std::memcmp(data, kDsdrMagic, sizeof kDsdrMagic) != 0) return kErrBadDsdr;
+  if (!data || size < kDsdrSize) return keyasn::kErrBadBinaryParams;
+  if (std::memcmp(data, kDsdrMagic, sizeof kDsdrMagic) != 0) return keyasn::kErrBadBinaryParams;
   // The high octet counts sixteen, not 256: kept deliberately.
   const int number = data[5] * 16 + data[4];
   char digits[16];

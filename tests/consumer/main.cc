@@ -2,6 +2,7 @@
 #include <keyasn/keyasn.h>
 
 #include <cstdio>
+#include <cstring>
 
 int main() {
   const unsigned char der[] = {0x30, 0x03, 0x02, 0x01, 0x05};
@@ -33,6 +34,16 @@ int main() {
   if (error != 0 || readBack.ReadData(encodedKeyInfo.GetData(), encodedKeyInfo.GetSize(), &error) == 0 ||
       error != 0 || readBack.Flags != 5)
     return 1;
-  std::puts("consumer: ok");
+  // The version, error text and object identifier helpers of namespace keyasn.
+  if (std::strcmp(keyasn::Version(), KEYASN_VERSION_STRING) != 0) {
+    std::printf("built against %s, running %s\n", KEYASN_VERSION_STRING, keyasn::Version());
+    return 1;
+  }
+  if (std::strcmp(keyasn::ErrorText(206), "The data is malformed or truncated.") != 0) return 1;
+  const unsigned char oid[] = {0x2A, 0x85, 0x03, 0x02, 0x02, 0x13};
+  if (keyasn::OidText(IdentObj(oid, sizeof oid)) != "1.2.643.2.2.19" ||
+      keyasn::OidContents("1.2.643.2.2.19") != IdentObj(oid, sizeof oid))
+    return 1;
+  std::printf("consumer: ok (keyasn %s)\n", keyasn::Version());
   return 0;
 }

@@ -36,7 +36,7 @@ sample=samples/container.der
 
 # Help and version.
 run 0 --version && out_has "keyasn 1.0.0"
-run 0 --help && { out_has "dump"; out_has "show"; out_has "encode"; out_has "Exit status"; }
+run 0 --help && { out_has "dump"; out_has "show"; out_has "encode"; out_has "lint"; out_has "Exit status"; }
 run 0 dump --help && { out_has "--no-encap"; out_has "--full"; out_has "--inform"; out_has "--json"; }
 run 0 show --help && { out_has "--as"; out_has "container"; }
 run 0 encode --help && { out_has "--outform"; out_has "-o,--output"; }
@@ -94,25 +94,25 @@ run 0 dump --full "$sample" && { grep -q -F "octets)" "$work/out" && fail "--ful
 printf '\x30\x06\x02\x01\x05\x04\x05\x41' > "$work/bad-length.der"
 run 2 dump "$work/bad-length.der" && {
   out_has "INTEGER 5"
-  err_is "keyasn: $work/bad-length.der: error at offset 5: 206 malformed or truncated data: length 5 runs past the end of the enclosing element (1 octet left)"
+  err_is "keyasn: $work/bad-length.der: error at offset 5: 206 the data is malformed or truncated: length 5 runs past the end of the enclosing element (1 octet left)"
 }
 run 2 dump --json "$work/bad-length.der" && { out_has '"offset": 2'; err_has "error at offset 5: 206"; }
 head -c 100 "$sample" > "$work/truncated.der"
 run 2 dump "$work/truncated.der" && {
   out_has "    93  2     10 cons     [3]"
-  err_has "error at offset 0: 206 malformed or truncated data: length 408 runs past the end of the data (96 octets left)"
+  err_has "error at offset 0: 206 the data is malformed or truncated: length 408 runs past the end of the data (96 octets left)"
 }
 run 2 show --as container "$work/truncated.der" && { out_empty; err_has "keyasn: $work/truncated.der: error at offset 0: 206"; }
 printf '\x30\x03\x02\x01\x05\x05' > "$work/trailing.der"
-run 2 dump "$work/trailing.der" && err_has "error at offset 5: 206 malformed or truncated data: header truncated (1 octet left)"
+run 2 dump "$work/trailing.der" && err_has "error at offset 5: 206 the data is malformed or truncated: header truncated (1 octet left)"
 printf '\x30\x03\x02\x01\x05\x05\x00' > "$work/two.der"
 run 0 dump "$work/two.der" && out_has "NULL"
 run 2 show --as container "$work/two.der" && err_has "error at offset 5: data after the ASNContainerInfo element"
 printf '\x1f\x81\x81' > "$work/tag.der"
-run 2 dump "$work/tag.der" && err_has "error at offset 0: 205 malformed identifier octets"
+run 2 dump "$work/tag.der" && err_has "error at offset 0: 205 the identifier octets are malformed"
 # Deep nesting, definite and indefinite.
 awk 'BEGIN { for (i = 0; i < 5000; i++) printf "3080"; for (i = 0; i < 5000; i++) printf "0000" }' > "$work/deep.hex"
-run 2 dump "$work/deep.hex" && { err_has "error at offset 200: 206 malformed or truncated data: nesting deeper than 100 levels"; }
+run 2 dump "$work/deep.hex" && { err_has "error at offset 200: 206 the data is malformed or truncated: nesting deeper than 100 levels"; }
 run 2 show --as container "$work/deep.hex" && err_has "nesting deeper than 100 levels"
 # Every prefix of the sample: the dump and the container reader refuse it
 # cleanly, never crash.
@@ -124,7 +124,7 @@ for ((n = 1; n < size; n += 7)); do
 done
 # A structure of the wrong TYPE.
 run 2 show --as keyinfo samples/validity.der && err_has "keyasn: samples/validity.der: cannot read the key description: ASNKeyInfo::ReadData"
-run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (malformed or truncated data)"
+run 2 show --as algid samples/validity.der && err_has "cannot read the algorithm identifier: CASNTIdData::ReadData: code 206 (the data is malformed or truncated)"
 
 # Forms the library reads but writes otherwise: members it holds encoded are
 # kept as they stand, so the round trip still gives the octets back; a structure
@@ -173,6 +173,34 @@ run 0 encode --as encr-params-binary "$work/long.json" && cmp -s "$work/out" "$w
 run 0 encode --as container "$work/c.json" -o "$work/out.der" && { out_empty; cmp -s "$work/out.der" "$sample" || fail "encode -o"; }
 run 0 encode --as container --outform pem "$work/c.json" && { out_has "-----BEGIN KEYASN CONTAINER-----"; out_has "-----END KEYASN CONTAINER-----"; }
 run 0 encode --as container --outform hex "$work/c.json" && { [ "$(cat "$work/out")" = "$(od -An -v -tx1 "$sample" | tr -d ' \n' | tr a-f A-F)" ] || fail "hex output"; }
+
+# lint: 0 without an error finding, 4 with one, 2 malformed (the findings before
+# the damage first), 1 usage, 3 I/O; the same input forms as dump.
+run 0 lint --help && { out_has "--json"; out_has "--inform"; out_has "FILE"; }
+run 1 lint --bogus
+run 1 lint a b
+run 3 lint /nonexistent/x.der && err_is "keyasn: /nonexistent/x.der: cannot open: No such file or directory"
+run 0 lint "$sample" && out_has "DER: no findings"
+run 0 lint && out_has "DER: no findings"
+run 0 lint - < "$sample" && out_has "DER: no findings"
+echo "3106 020102 020101" > "$work/set.hex"
+run 4 lint "$work/set.hex" && {
+  out_has "     5  error  set.order                   SET elements out of order"
+  out_has "1 finding (1 error, 0 notes)"
+}
+run 4 lint --json --inform hex "$work/set.hex" && {
+  out_has '"rule": "set.order"'; out_has '"severity": "error"'; out_has '"depth": 1'; out_has '"offset": 5'
+}
+run 0 dump "$work/set.hex" && out_has "INTEGER 1  ! set.order"
+run 0 lint "$work/trailing.der" && { out_has "note   data.trailing"; out_has "1 finding (0 errors, 1 note)"; }
+echo "3007 010101 02050000" > "$work/damaged.hex"
+run 2 lint "$work/damaged.hex" && {
+  out_has "boolean.value"
+  [ "$(wc -l < "$work/out")" -eq 1 ] || fail "lint of damaged input: $(cat "$work/out")"
+  err_is "keyasn: $work/damaged.hex: error at offset 5: 206 the data is malformed or truncated: length 5 runs past the end of the enclosing element (2 octets left)"
+}
+run 2 lint "$work/deep.hex" && err_has "nesting deeper than 100 levels"
+run 2 lint - < /dev/null && err_is "keyasn: <stdin>: empty input"
 
 if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
 echo "$checks behaviour checks passed"

@@ -6,16 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "common.h"
+#include "hex_bytes.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 Tree WalkHex(const std::string& hex, bool encap = true) {
   const Bytes bytes = H(hex);
@@ -202,8 +197,11 @@ TEST(WalkTest, CompleteEncoding) {
 }
 
 TEST(WalkTest, CodeMeanings) {
-  EXPECT_EQ(CodeMeaning(205), "malformed identifier octets");
-  EXPECT_EQ(CodeMeaning(206), "malformed or truncated data");
+  EXPECT_EQ(CodeMeaning(205), "the identifier octets are malformed");
+  EXPECT_EQ(CodeMeaning(206), "the data is malformed or truncated");
+  EXPECT_EQ(CodeMeaning(134),
+            "the data is not the 70-octet binary form of the encryption parameters");
+  EXPECT_EQ(CodeMeaning(1000), "unknown error code");
 }
 
 }  // namespace
