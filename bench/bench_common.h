@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,21 @@ inline uint64_t Fnv1a(uint64_t h, const void* data, size_t n) {
   return h;
 }
 
+// The checksum terms that several implementations of a workload share.
+// W1: one header.
+inline uint64_t HeaderTerm(unsigned int identifier, uint64_t length) {
+  return uint64_t{identifier} * 65537 + length + (uint64_t{1} << 40);
+}
+// W4 dec: one text and its line end.
+inline uint64_t HashText(uint64_t h, const void* text, size_t n) {
+  h = Fnv1a(h, text, n);
+  return Fnv1a(h, "\n", 1);
+}
+// W7: one decoded value and the size of its element.
+inline uint64_t IntegerTerm(int64_t value, size_t tlv) {
+  return static_cast<uint64_t>(value) + (uint64_t{tlv} << 32);
+}
+
 // One workload x implementation: `pass` runs over the whole input once and
 // returns the checksum, which must equal `*expected` before anything is timed.
 struct Op {
@@ -53,6 +69,7 @@ struct Op {
   double bytes;      // input octets per pass (0: no MB/s)
   bool keyasn;       // count operator new calls
   std::string note;  // set when the checksum did not match
+  std::string name() const { return workload + "/" + impl; }
 };
 
 std::vector<Op>& Ops();
@@ -60,6 +77,12 @@ std::vector<Op>& Ops();
 // AddOp lists an operation; `expected` points at the generator's value.
 void AddOp(const char* workload, const char* impl, uint64_t (*pass)(), const uint64_t* expected,
            double items, double bytes, bool keyasn);
+
+// Verify runs every operation once and notes those whose checksum is wrong;
+// false when any is. RunCallgrind counts the instructions of the operations
+// whose name matches `filter` (ops.cc).
+bool Verify();
+int RunCallgrind(const std::string& filter, std::FILE* allocs);
 
 // The number of global operator new calls made so far in this process.
 uint64_t NewCalls();

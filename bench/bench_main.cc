@@ -2,14 +2,12 @@
 // against the generator's, then times the operations that passed (Google
 // Benchmark) or, with --callgrind, counts their instructions under callgrind.
 #include <benchmark/benchmark.h>
-#include <valgrind/callgrind.h>
 
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -17,47 +15,9 @@
 #include "bench/datagen.h"
 #include "bench/workloads.h"
 
-namespace bench {
-
-std::vector<Op>& Ops() {
-  static std::vector<Op> ops;
-  return ops;
-}
-
-void AddOp(const char* workload, const char* impl, uint64_t (*pass)(), const uint64_t* expected,
-           double items, double bytes, bool keyasn) {
-  Ops().push_back(Op{workload, impl, pass, expected, items, bytes, keyasn, {}});
-}
-
-}  // namespace bench
-
 namespace {
 
 using bench::Op;
-
-std::string Name(const Op& op) { return op.workload + "/" + op.impl; }
-
-// Verify runs each operation once; a wrong checksum (or an exception) is noted
-// and the operation is then reported but never timed.
-void Verify() {
-  for (Op& op : bench::Ops()) {
-    uint64_t got = 0;
-    try {
-      got = op.pass();
-    } catch (const std::exception& e) {
-      op.note = std::string("exception: ") + e.what();
-    } catch (...) {
-      op.note = "exception";
-    }
-    if (op.note.empty() && got != *op.expected) {
-      char text[128];
-      std::snprintf(text, sizeof text, "checksum mismatch: %" PRIu64 " instead of %" PRIu64, got,
-                    *op.expected);
-      op.note = text;
-    }
-    if (!op.note.empty()) std::fprintf(stderr, "%s: %s\n", Name(op).c_str(), op.note.c_str());
-  }
-}
 
 void Run(benchmark::State& state, const Op* op) {
   if (!op->note.empty()) {
@@ -77,21 +37,6 @@ void Run(benchmark::State& state, const Op* op) {
   if (op->bytes > 0) state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * op->bytes));
 }
 
-// Callgrind: one warm-up pass, then the statistics of three passes dumped under
-// the operation's name (the run script divides by three).
-int RunCallgrind(const std::string& filter) {
-  const std::regex re(filter.empty() ? "." : filter);
-  for (const Op& op : bench::Ops()) {
-    const std::string name = Name(op);
-    if (!op.note.empty() || !std::regex_search(name, re)) continue;
-    bench::Keep(op.pass());
-    CALLGRIND_ZERO_STATS;
-    for (int i = 0; i < 3; ++i) bench::Keep(op.pass());
-    CALLGRIND_DUMP_STATS_AT(name.c_str());
-  }
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -108,7 +53,8 @@ int main(int argc, char** argv) {
   }
   const char* certs = std::getenv("PERF_CERTS");
   try {
-    bench::BuildInputs(certs && *certs ? certs : "/etc/ssl/certs/ca-certificates.crt");
+    bench::BuildInputs();
+    bench::ReadCerts(certs && *certs ? certs : "/etc/ssl/certs/ca-certificates.crt");
   } catch (const std::exception& e) {
     std::fprintf(stderr, "input generation failed: %s\n", e.what());
     return 1;
@@ -120,9 +66,9 @@ int main(int argc, char** argv) {
                in.w1.size(), in.w1_short, in.w1_long1, in.w1_long2, in.w2.size(), in.w3_certs,
                in.w3_bytes, in.w3_elements);
   bench::RegisterAll();
-  Verify();
-  if (callgrind) return RunCallgrind(filter);
-  for (const Op& op : bench::Ops()) benchmark::RegisterBenchmark(Name(op).c_str(), Run, &op);
+  bench::Verify();
+  if (callgrind) return bench::RunCallgrind(filter, nullptr);
+  for (const Op& op : bench::Ops()) benchmark::RegisterBenchmark(op.name().c_str(), Run, &op);
   int n = static_cast<int>(args.size());
   benchmark::Initialize(&n, args.data());
   benchmark::RunSpecifiedBenchmarks();

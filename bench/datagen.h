@@ -71,9 +71,12 @@ struct Inputs {
   std::vector<TreeInput> trees;
 };
 
-// BuildInputs draws every input; `certs_path` is the PEM bundle of W3.
-void BuildInputs(const std::string& certs_path);
+// BuildInputs draws every input but W3's; ReadCerts (datagen_certs.cc, which
+// needs OpenSSL) reads W3's from a PEM bundle.
+void BuildInputs();
+void ReadCerts(const std::string& path);
 const Inputs& In();
+Inputs& MutableIn();
 
 // Days from 1601-01-01 to the civil date (proleptic Gregorian).
 int64_t DaysSince1601(int64_t y, unsigned m, unsigned d);

@@ -11,12 +11,6 @@
 
 namespace bench {
 
-namespace {
-inline uint64_t HeaderTerm(unsigned int identifier, uint64_t length) {
-  return uint64_t{identifier} * 65537 + length + (uint64_t{1} << 40);
-}
-}  // namespace
-
 uint64_t Libtasn1Headers() {
   const Bytes& in = In().w1;
   const unsigned char* p = in.data();

@@ -33,8 +33,8 @@ PACKAGES = ["libssl-dev", "libmbedtls-dev", "libtasn1-6-dev", "libbotan-2-dev",
             "libbenchmark-dev", "valgrind", "g++"]
 
 
-def callgrind(directory):
-    ops = {}
+def dumps(directory):
+    """Yields (path, operation name, instructions) of each named callgrind dump."""
     for path in sorted(glob.glob(os.path.join(directory, "callgrind.out.*.*"))):
         name, total = None, None
         with open(path, errors="replace") as f:
@@ -44,8 +44,13 @@ def callgrind(directory):
                 elif line.startswith(("summary:", "totals:")):
                     total = int(line.split()[1])
                     break
-        if not name or total is None:
-            continue
+        if name and total is not None:
+            yield path, name, total
+
+
+def callgrind(directory):
+    ops = {}
+    for path, name, total in dumps(directory):
         top = []
         if "keyasn" in name:
             text = subprocess.run(["callgrind_annotate", "--inclusive=no", "--threshold=100",

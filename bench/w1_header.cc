@@ -8,17 +8,10 @@
 #include "bench/botan_source.h"
 #include "bench/datagen.h"
 #include "bench/libtasn1_peers.h"
-#include "keyasn/codec/header.h"
 
 namespace bench {
 
 namespace {
-
-constexpr uint64_t kOne = uint64_t{1} << 40;
-
-inline uint64_t Term(unsigned int identifier, uint64_t length) {
-  return uint64_t{identifier} * 65537 + length + kOne;
-}
 
 uint64_t Limit() {
   const Bytes& in = In().w1;
@@ -49,7 +42,7 @@ uint64_t Limit() {
       for (size_t k = 0; k < n; ++k) len = (len << 8) | p[i++];
     }
     if (len > rest - i) return 0;
-    sum += Term((first & 0xE0) | tag, len);
+    sum += HeaderTerm((first & 0xE0) | tag, len);
     p += i + len;
   }
   return sum;
@@ -64,7 +57,7 @@ uint64_t Mbedtls() {
     const unsigned char id = *p;
     size_t len = 0;
     if (mbedtls_asn1_get_tag(&p, end, &len, id) != 0) return 0;
-    sum += Term(id, len);
+    sum += HeaderTerm(id, len);
     p += len;
   }
   return sum;
@@ -80,7 +73,7 @@ uint64_t Openssl() {
     int tag = 0, xclass = 0;
     const int ret = ASN1_get_object(&p, &len, &tag, &xclass, end - p);
     if (ret & 0x80) return 0;
-    sum += Term(static_cast<unsigned int>(xclass | (ret & 0x20) | tag), static_cast<uint64_t>(len));
+    sum += HeaderTerm(static_cast<unsigned int>(xclass | (ret & 0x20) | tag), static_cast<uint64_t>(len));
     p += len;
   }
   return sum;
@@ -93,23 +86,7 @@ uint64_t Botan() {
   uint64_t sum = 0;
   while (decoder.more_items()) {
     const Botan::BER_Object obj = decoder.get_next_object();
-    sum += Term(static_cast<unsigned int>(obj.get_class() | obj.type()), obj.length());
-  }
-  return sum;
-}
-
-uint64_t Keyasn() {
-  const Bytes& in = In().w1;
-  const unsigned char* p = in.data();
-  const unsigned char* const end = p + in.size();
-  uint64_t sum = 0;
-  ASNT_ASN_STRUCT_INFO info;
-  while (p < end) {
-    if (ASNTGetAsnInfo(info, p, static_cast<unsigned int>(end - p)) != 0) return 0;
-    // The parser does not check the contents against the data: the caller does.
-    if (info.Length > static_cast<size_t>(end - info.Contents)) return 0;
-    sum += Term(info.Class | info.Constructed | info.Tag, info.Length);
-    p = info.Contents + info.Length;
+    sum += HeaderTerm(static_cast<unsigned int>(obj.get_class() | obj.type()), obj.length());
   }
   return sum;
 }
@@ -124,7 +101,6 @@ void RegisterHeaders() {
   AddOp("W1_header", "openssl", Openssl, &in.w1_sum, items, bytes, false);
   AddOp("W1_header", "libtasn1", Libtasn1Headers, &in.w1_sum, items, bytes, false);
   AddOp("W1_header", "botan", Botan, &in.w1_sum, items, bytes, false);
-  AddOp("W1_header", "keyasn", Keyasn, &in.w1_sum, items, bytes, true);
 }
 
 }  // namespace bench

@@ -13,7 +13,6 @@
 #include "bench/botan_source.h"
 #include "bench/datagen.h"
 #include "bench/libtasn1_peers.h"
-#include "keyasn/codec/sequence.h"
 
 namespace bench {
 
@@ -76,31 +75,6 @@ uint64_t Botan() {
   return sum;
 }
 
-uint64_t KeyasnOn(const SplitInput& in) {
-  std::list<IdentObj> items;
-  if (ASNTGetSequence(items, in.contents(), in.size()) != 0) return 0;
-  uint64_t sum = uint64_t{items.size()} << 32;
-  for (const IdentObj& item : items) sum += item.GetData()[0] & 0x1F;
-  return sum;
-}
-
-uint64_t Keyasn() { return KeyasnOn(In().w2); }
-
-uint64_t KeyasnWhole() {
-  const SplitInput& in = In().w2;
-  std::list<IdentObj> items;
-  int error = 0;
-  ASNTGetSequence(items, in.element.data(), static_cast<unsigned int>(in.element.size()), &error);
-  if (error != 0) return 0;
-  uint64_t sum = uint64_t{items.size()} << 32;
-  for (const IdentObj& item : items) sum += item.GetData()[0] & 0x1F;
-  return sum;
-}
-
-template <int kIndex>
-uint64_t KeyasnScaled() {
-  return KeyasnOn(In().w2_scaling[kIndex]);
-}
 template <int kIndex>
 uint64_t MbedtlsListScaled() {
   return MbedtlsInto<std::list<std::vector<uint8_t>>>(In().w2_scaling[kIndex]);
@@ -117,16 +91,12 @@ void RegisterSplit() {
   AddOp("W2_split", "mbedtls_list", MbedtlsList, &in.w2.sum, items, bytes, false);
   AddOp("W2_split", "libtasn1", Libtasn1Split, &in.w2.sum, items, bytes, false);
   AddOp("W2_split", "botan", Botan, &in.w2.sum, items, bytes, false);
-  AddOp("W2_split", "keyasn", Keyasn, &in.w2.sum, items, bytes, true);
-  AddOp("W2_split", "keyasn_whole", KeyasnWhole, &in.w2.sum, items, bytes, true);
   static const char* const kNames[3] = {"W2_scaling_1k", "W2_scaling_10k", "W2_scaling_100k"};
-  static uint64_t (*const kKeyasn[3])() = {KeyasnScaled<0>, KeyasnScaled<1>, KeyasnScaled<2>};
   static uint64_t (*const kMbed[3])() = {MbedtlsListScaled<0>, MbedtlsListScaled<1>,
                                          MbedtlsListScaled<2>};
   for (int i = 0; i < 3; ++i) {
     const SplitInput& s = in.w2_scaling[i];
     AddOp(kNames[i], "mbedtls_list", kMbed[i], &s.sum, s.items, s.size(), false);
-    AddOp(kNames[i], "keyasn", kKeyasn[i], &s.sum, s.items, s.size(), true);
   }
 }
 

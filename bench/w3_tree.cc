@@ -159,19 +159,6 @@ uint64_t KeyasnUnit() {
   return count;
 }
 
-// The unit tree read and written back: the whole element must come out again.
-template <int kIndex>
-uint64_t UnitTree() {
-  const TreeInput& t = In().trees[kIndex];
-  CASNTUnit unit;
-  int error = 0;
-  unit.ReadData(t.element.data(), static_cast<unsigned int>(t.element.size()), &error);
-  if (error != 0) return 0;
-  const IdentObj out = unit.WriteData(&error);
-  if (error != 0) return 0;
-  return out.Count();
-}
-
 }  // namespace
 
 void RegisterTree() {
@@ -187,14 +174,6 @@ void RegisterTree() {
   AddOp("W3_tree_decode", "mbedtls_x509", MbedtlsX509, &in.w3_certs, certs, bytes, false);
   AddOp("W3_tree_decode", "botan_x509", BotanX509, &in.w3_certs, certs, bytes, false);
   AddOp("W3_tree_decode", "keyasn_unit", KeyasnUnit, &in.w3_certs, certs, bytes, true);
-  static const char* const kNames[4] = {"unit_tree_depth_10", "unit_tree_depth_100",
-                                        "unit_tree_depth_1000", "unit_tree_depth_10000"};
-  static uint64_t (*const kOps[4])() = {UnitTree<0>, UnitTree<1>, UnitTree<2>, UnitTree<3>};
-  for (int i = 0; i < 4; ++i) {
-    const TreeInput& t = in.trees[i];
-    AddOp(kNames[i], "keyasn", kOps[i], &t.sum, t.depth, static_cast<double>(t.element.size()),
-          true);
-  }
 }
 
 }  // namespace bench

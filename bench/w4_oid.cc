@@ -11,18 +11,10 @@
 #include "bench/bench_common.h"
 #include "bench/datagen.h"
 #include "bench/libtasn1_peers.h"
-#include "keyasn/codec/decoder.h"
-#include "keyasn/codec/encoder.h"
-#include "keyasn/codec/header.h"
 
 namespace bench {
 
 namespace {
-
-inline uint64_t HashText(uint64_t h, const void* text, size_t n) {
-  h = Fnv1a(h, text, n);
-  return Fnv1a(h, "\n", 1);
-}
 
 // ---- text -> contents
 
@@ -87,19 +79,6 @@ uint64_t BotanEnc() {
     std::vector<uint8_t> out;
     Botan::DER_Encoder(out).encode(Botan::OID(s));
     h = Fnv1a(h, out.data() + 2, out.size() - 2);
-  }
-  return h;
-}
-
-uint64_t KeyasnEnc() {
-  uint64_t h = kFnvBasis;
-  ASNT_ASN_STRUCT_INFO info{};
-  info.Tag = 6;
-  for (const std::string& s : In().oids) {
-    const IdentObj tlv = ASNTLowEncodeData(info, reinterpret_cast<const unsigned char*>(s.data()),
-                                           static_cast<unsigned int>(s.size()), nullptr);
-    if (tlv.Count() < 3) return 0;
-    h = Fnv1a(h, tlv.GetData() + 2, tlv.Count() - 2);
   }
   return h;
 }
@@ -187,21 +166,6 @@ uint64_t BotanDec() {
   return h;
 }
 
-uint64_t KeyasnDec() {
-  uint64_t h = kFnvBasis;
-  ASNT_ASN_STRUCT_INFO info{};
-  info.Tag = 6;
-  for (const Bytes& c : In().oid_contents) {
-    info.Contents = c.data();
-    info.Length = static_cast<unsigned int>(c.size());
-    int error = 0;
-    const IdentObj text = ASNTLowDecodeData(info, nullptr, 0, &error);
-    if (error != 0) return 0;
-    h = HashText(h, text.GetData(), text.Count());
-  }
-  return h;
-}
-
 }  // namespace
 
 void RegisterOids() {
@@ -210,13 +174,11 @@ void RegisterOids() {
   AddOp("W4_oid_enc", "openssl", OpensslEnc, &in.w4_enc, 50, 0, false);
   AddOp("W4_oid_enc", "libtasn1", Libtasn1OidEnc, &in.w4_enc, 50, 0, false);
   AddOp("W4_oid_enc", "botan", BotanEnc, &in.w4_enc, 50, 0, false);
-  AddOp("W4_oid_enc", "keyasn", KeyasnEnc, &in.w4_enc, 50, 0, true);
   AddOp("W4_oid_dec", "limit", LimitDec, &in.w4_dec, 50, 0, false);
   AddOp("W4_oid_dec", "openssl", OpensslDec, &in.w4_dec, 50, 0, false);
   AddOp("W4_oid_dec", "mbedtls", MbedtlsDec, &in.w4_dec, 50, 0, false);
   AddOp("W4_oid_dec", "libtasn1", Libtasn1OidDec, &in.w4_dec, 50, 0, false);
   AddOp("W4_oid_dec", "botan", BotanDec, &in.w4_dec, 50, 0, false);
-  AddOp("W4_oid_dec", "keyasn", KeyasnDec, &in.w4_dec, 50, 0, true);
 }
 
 }  // namespace bench

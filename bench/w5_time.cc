@@ -7,8 +7,6 @@
 
 #include "bench/bench_common.h"
 #include "bench/datagen.h"
-#include "keyasn/codec/decoder.h"
-#include "keyasn/codec/header.h"
 
 namespace bench {
 
@@ -102,23 +100,6 @@ uint64_t Botan() {
   return sum;
 }
 
-uint64_t Keyasn() {
-  uint64_t sum = 0;
-  ASNT_ASN_STRUCT_INFO info{};
-  for (const TimeValue& v : In().times) {
-    info.Tag = v.utc ? 23 : 24;
-    info.Contents = reinterpret_cast<const unsigned char*>(v.text.data());
-    info.Length = static_cast<unsigned int>(v.text.size());
-    int error = 0;
-    const IdentObj ft = ASNTLowDecodeData(info, nullptr, 0, &error);
-    if (error != 0 || ft.Count() != 8) return 0;
-    uint64_t ticks;
-    std::memcpy(&ticks, ft.GetData(), 8);  // low word first, each least significant first
-    sum += ticks;
-  }
-  return sum;
-}
-
 }  // namespace
 
 void RegisterTimes() {
@@ -127,7 +108,6 @@ void RegisterTimes() {
   AddOp("W5_time", "openssl", Openssl, &in.w5_sum, 1000, 0, false);
   AddOp("W5_time", "openssl_d2i", OpensslD2i, &in.w5_sum, 1000, 0, false);
   AddOp("W5_time", "botan", Botan, &in.w5_sum, 1000, 0, false);
-  AddOp("W5_time", "keyasn", Keyasn, &in.w5_sum, 1000, 0, true);
 }
 
 }  // namespace bench

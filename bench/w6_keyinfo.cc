@@ -14,7 +14,6 @@
 #ifdef BENCH_HAVE_ASN1C
 #include "bench/asn1c_keyinfo.h"
 #endif
-#include "keyasn/keys/key_info.h"
 
 namespace bench {
 
@@ -248,49 +247,6 @@ uint64_t BotanDec() {
   return sum;
 }
 
-// ---- keyasn
-
-const ASNKeyInfo& KeyasnFilled() {
-  static const ASNKeyInfo ki = [] {
-    const Inputs& in = In();
-    ASNKeyInfo k;
-    k.Flags = in.ki_flags;
-    k.Number = in.ki_number;
-    k.AlgorithmId.SetObjID(
-        IdentObj(in.ki_oid_contents.data(), static_cast<unsigned int>(in.ki_oid_contents.size())));
-    k.Octets1.Assign(in.ki_o1.data(), static_cast<unsigned int>(in.ki_o1.size()));
-    k.Octets2.Assign(in.ki_o2.data(), static_cast<unsigned int>(in.ki_o2.size()));
-    k.Octets3.Assign(in.ki_o3.data(), static_cast<unsigned int>(in.ki_o3.size()));
-    k.Validity.SetTime(CRUVFileTime(static_cast<unsigned long>(in.ki_from_ticks)),
-                       CRUVFileTime(static_cast<unsigned long>(in.ki_to_ticks)));
-    k.KeyBits =
-        CRUVCryptBitBlob(in.ki_bits.data(), static_cast<unsigned int>(in.ki_bits.size()), 0);
-    return k;
-  }();
-  return ki;
-}
-
-uint64_t KeyasnEnc() {
-  int error = 0;
-  const IdentObj out = KeyasnFilled().WriteData(&error);
-  if (error != 0) return 0;
-  return Fnv1a(kFnvBasis, out.GetData(), out.Count());
-}
-
-uint64_t KeyasnDec() {
-  const Bytes& der = In().w6_der;
-  ASNKeyInfo ki;
-  int error = 0;
-  ki.ReadData(der.data(), static_cast<unsigned int>(der.size()), &error);
-  if (error != 0) return 0;
-  auto part = [](const IdentObj& o) -> uint64_t {
-    return o.Count() + (o.Count() ? o.GetData()[0] : 0);
-  };
-  return uint64_t{ki.Flags} + ki.Number + (ki.AlgorithmId.GetObjID().Count() ? 1 : 0) +
-         part(ki.Octets1) + part(ki.Octets2) + part(ki.Octets3) + part(ki.KeyBits) +
-         ki.KeyBits.GetUnusedBits();
-}
-
 }  // namespace
 
 void RegisterKeyInfo() {
@@ -337,11 +293,9 @@ void RegisterKeyInfo() {
   AddOp("W6_keyinfo_enc", "openssl", OpensslEnc, &in.w6_enc, 1, 0, false);
   AddOp("W6_keyinfo_enc", "mbedtls", MbedtlsEnc, &in.w6_enc, 1, 0, false);
   AddOp("W6_keyinfo_enc", "botan", BotanEnc, &in.w6_enc, 1, 0, false);
-  AddOp("W6_keyinfo_enc", "keyasn", KeyasnEnc, &in.w6_enc, 1, 0, true);
   AddOp("W6_keyinfo_dec", "openssl", OpensslDec, &in.w6_dec, 1, 0, false);
   AddOp("W6_keyinfo_dec", "mbedtls", MbedtlsDec, &in.w6_dec, 1, 0, false);
   AddOp("W6_keyinfo_dec", "botan", BotanDec, &in.w6_dec, 1, 0, false);
-  AddOp("W6_keyinfo_dec", "keyasn", KeyasnDec, &in.w6_dec, 1, 0, true);
 }
 
 }  // namespace bench

@@ -9,15 +9,10 @@
 
 #include "bench/bench_common.h"
 #include "bench/datagen.h"
-#include "keyasn/der/der_helper.h"
 
 namespace bench {
 
 namespace {
-
-inline uint64_t Term(int64_t value, size_t tlv) {
-  return static_cast<uint64_t>(value) + (uint64_t{tlv} << 32);
-}
 
 uint64_t Limit() {
   uint64_t sum = 0;
@@ -39,7 +34,7 @@ uint64_t Limit() {
     if (buf[1] > 1 && c[0] == 0 && !(c[1] & 0x80)) return 0;
     uint32_t value = 0;
     for (unsigned int i = 0; i < buf[1]; ++i) value = (value << 8) | c[i];
-    sum += Term(static_cast<int32_t>(value), tlv);
+    sum += IntegerTerm(static_cast<int32_t>(value), tlv);
   }
   return sum;
 }
@@ -56,7 +51,7 @@ uint64_t Openssl() {
     if (n <= 0) return 0;
     const unsigned char* q = buf;
     if (!d2i_ASN1_INTEGER(&dec, &q, n)) return 0;
-    sum += Term(ASN1_INTEGER_get(dec), static_cast<size_t>(n));
+    sum += IntegerTerm(ASN1_INTEGER_get(dec), static_cast<size_t>(n));
   }
   return sum;
 }
@@ -71,7 +66,7 @@ uint64_t Mbedtls() {
     int value = 0;
     unsigned char* q = p;
     if (mbedtls_asn1_get_int(&q, p + n, &value) != 0) return 0;
-    sum += Term(value, static_cast<size_t>(n));
+    sum += IntegerTerm(value, static_cast<size_t>(n));
   }
   return sum;
 }
@@ -83,17 +78,7 @@ uint64_t Botan() {
     Botan::DER_Encoder(out).encode(static_cast<size_t>(v));
     size_t value = 0;
     Botan::BER_Decoder(out).decode(value);
-    sum += Term(static_cast<int64_t>(value), out.size());
-  }
-  return sum;
-}
-
-uint64_t Keyasn() {
-  uint64_t sum = 0;
-  for (const int32_t v : In().ints) {
-    const IdentObj element = DerHelper::EncodeInteger(v);
-    const int value = DerHelper::DecodeInteger(element, false);
-    sum += Term(value, element.Count());
+    sum += IntegerTerm(static_cast<int64_t>(value), out.size());
   }
   return sum;
 }
@@ -107,7 +92,6 @@ void RegisterIntegers() {
   AddOp("W7_integer", "openssl", Openssl, &in.w7_sum, items, 0, false);
   AddOp("W7_integer", "mbedtls", Mbedtls, &in.w7_sum, items, 0, false);
   AddOp("W7_integer", "botan", Botan, &in.w7_sum, items, 0, false);
-  AddOp("W7_integer", "keyasn", Keyasn, &in.w7_sum, items, 0, true);
 }
 
 }  // namespace bench

@@ -24,6 +24,13 @@ std::string UpperLabel(const std::string& type) {
   return label;
 }
 
+// Releaser lets the pages of a mapped input go once the walk is past them.
+std::function<void(std::size_t)> Releaser(Input* input) {
+  return [input](std::size_t offset) { input->Release(offset); };
+}
+
+}  // namespace
+
 // Malformed reports a fault of the input, saying which form it was read as.
 int Malformed(std::ostream& err, const Input& input, const std::string& message) {
   Report(err, input.name(), input.Assumed() + ": " + message + input.Hint());
@@ -40,13 +47,6 @@ int Open(const std::string& file, InputForm form, std::ostream& err, std::unique
     return e.status();
   }
 }
-
-// Releaser lets the pages of a mapped input go once the walk is past them.
-std::function<void(std::size_t)> Releaser(Input* input) {
-  return [input](std::size_t offset) { input->Release(offset); };
-}
-
-}  // namespace
 
 std::string InputName(const std::string& file) {
   if (file.empty()) return StandardInputIsData() ? "<stdin>" : "<bundled sample>";
@@ -83,11 +83,13 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
   print.octets = request.full ? 0 : request.octets;
   print.depth = request.depth;
   print.base = span.offset;
+  print.size = span.size;
   std::unique_ptr<Printer> printer = MakePrinter(print, input->data(), out, Releaser(input.get()));
   WalkOptions options;
   options.open_encapsulated = request.encapsulated;
   errno = 0;
   const WalkResult result = WalkInto(input->data() + span.offset, span.size, options, printer.get());
+  if (result.failed) printer->Fail(result.error);
   printer->Finish();
   out.flush();
   if (!out) {

@@ -4,12 +4,14 @@
 #define KEYASN_TOOLS_COMMANDS_H_
 
 #include <cstddef>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "der_walk.h"
 #include "input.h"
+#include "load.h"
 #include "output.h"
 
 namespace keyasn {
@@ -66,6 +68,14 @@ std::string WalkErrorText(const WalkError& error, std::size_t base = 0);
 
 // The bundled sample container (made from samples/container.der at build time).
 Source BundledSample();
+
+// Open loads the input of a command (a FILE, standard input or the bundled
+// sample); a failure is reported on `err` and its exit status returned, 0 otherwise.
+int Open(const std::string& file, InputForm form, std::ostream& err, std::unique_ptr<Input>* input);
+
+// Malformed reports a fault of the input, naming the form it was read as, and
+// returns the exit status for malformed input.
+int Malformed(std::ostream& err, const Input& input, const std::string& message);
 
 }  // namespace tool
 }  // namespace keyasn

@@ -19,6 +19,7 @@ enum ExitStatus : int {
   kExitUsage = 1,      // bad command line
   kExitMalformed = 2,  // the input is not what it should be
   kExitIo = 3,         // a file could not be read or written
+  kExitFindings = 4,   // lint: the input breaks a DER rule
 };
 
 // ToolError is a failure that ends the command with `status`; what() is the

@@ -297,6 +297,7 @@ WalkResult WalkInto(const unsigned char* data, std::size_t size, const WalkOptio
 
 Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options) {
   Tree tree;
+  tree.input_size = size;
   TreeBuilder builder(&tree);
   const WalkResult result = WalkInto(data, size, options, &builder);
   tree.failed = result.failed;

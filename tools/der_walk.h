@@ -41,6 +41,7 @@ struct WalkError {
 struct Tree {
   std::vector<Element> elements;  // in encoding order (each parent before its children)
   std::vector<int> roots;
+  std::size_t input_size = 0;     // octets walked
   bool failed = false;
   WalkError error;
 };

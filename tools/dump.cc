@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "header_octets.h"
-#include "keyasn/codec/oid.h"
 #include "oid_config.h"
 #include "values.h"
 
@@ -84,12 +83,20 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       if (n != 0) d.text = HexTextUpTo(p, n, octets) + " (bad NULL length)";
       return d;
     case 6: {
-      const std::string dotted = keyasn::OidText(IdentObj(p, static_cast<unsigned int>(n)));
-      if (!dotted.empty()) {
+      std::string dotted;
+      if (DecodeOid(p, n, &dotted)) {
         d.value = dotted;
         d.name = OidName(dotted);
         d.text = dotted;
         if (d.name != nullptr) d.text += std::string(" (") + d.name + ")";
+        // A subidentifier with a leading zero group decodes like the minimal
+        // one; the octets show which encoding this is.
+        for (std::size_t i = 0; i < n; ++i) {
+          if (p[i] == 0x80 && (i == 0 || (p[i - 1] & 0x80) == 0)) {
+            d.text += ", encoded " + HexTextUpTo(p, n, octets);
+            break;
+          }
+        }
       } else {
         d.text = HexTextUpTo(p, n, octets) + " (malformed OBJECT IDENTIFIER)";
       }
@@ -99,7 +106,9 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
     case 24: {
       std::string iso;
       if (TimeText(p, n, e.tag == 24, &iso)) {
-        d.text = iso;
+        // The text as encoded beside its UTC value, so that a form other than
+        // DER's stays visible.
+        d.text = std::string(reinterpret_cast<const char*>(p), n) + " = " + iso;
         d.value = iso;
       } else {
         d.text = QuoteString(p, n, false) + " (not a valid time)";
@@ -142,18 +151,21 @@ void AddOriginalHeader(const Element& e, const unsigned char* data, Json* j) {
   }
 }
 
-Json ElementJson(const Tree& tree, int index, const unsigned char* data) {
+using ElementFindings = std::vector<std::vector<const Finding*>>;
+
+Json ElementJson(const Tree& tree, int index, const unsigned char* data,
+                 const ElementFindings& findings) {
   const Element& e = tree.elements[index];
-  Json j = ElementFields(e, data);
+  Json j = ElementFields(e, data, &findings[index]);
   Json children = Json::array();
-  for (int child : e.children) children.push_back(ElementJson(tree, child, data));
+  for (int child : e.children) children.push_back(ElementJson(tree, child, data, findings));
   j["children"] = std::move(children);
   return j;
 }
 
 }  // namespace
 
-Json ElementFields(const Element& e, const unsigned char* data) {
+Json ElementFields(const Element& e, const unsigned char* data, const Marks* marks) {
   Json j;
   j["offset"] = e.offset;
   j["header_length"] = e.header_length;
@@ -173,6 +185,13 @@ Json ElementFields(const Element& e, const unsigned char* data) {
   }
   if (e.encapsulated) j["encapsulated"] = true;
   AddOriginalHeader(e, data, &j);
+  if (marks != nullptr && !marks->empty()) {
+    Json list = Json::array();
+    for (const Finding* f : *marks) {
+      list.push_back({{"rule", f->rule}, {"severity", SeverityName(f->severity)}, {"message", f->message}});
+    }
+    j["findings"] = std::move(list);
+  }
   return j;
 }
 
@@ -206,10 +225,16 @@ std::string TypeName(unsigned char tag_class, unsigned int tag) {
 }
 
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out) {
-  for (const Element& e : tree.elements) out << ElementLine(e, data, full ? 0 : kShortOctets) << '\n';
+  const LintResult lint = Lint(tree, data);
+  const ElementFindings findings = FindingsOf(tree, lint);
+  for (std::size_t index = 0; index < tree.elements.size(); ++index) {
+    out << ElementLine(tree.elements[index], data, full ? 0 : kShortOctets, &findings[index])
+        << '\n';
+  }
 }
 
-std::string ElementLine(const Element& e, const unsigned char* data, std::size_t octets) {
+std::string ElementLine(const Element& e, const unsigned char* data, std::size_t octets,
+                        const Marks* marks) {
   {
     char head[64];
     const std::string length = e.indefinite ? "inf" : std::to_string(e.length);
@@ -222,13 +247,18 @@ std::string ElementLine(const Element& e, const unsigned char* data, std::size_t
       const Described d = Describe(e, data, octets);
       if (!d.text.empty()) line += " " + d.text;
     }
+    if (marks != nullptr) {
+      for (const Finding* f : *marks) line += std::string("  ! ") + f->rule;
+    }
     return line;
   }
 }
 
 Json DumpJson(const Tree& tree, const unsigned char* data) {
+  const LintResult lint = Lint(tree, data);
+  const ElementFindings findings = FindingsOf(tree, lint);
   Json all = Json::array();
-  for (int root : tree.roots) all.push_back(ElementJson(tree, root, data));
+  for (int root : tree.roots) all.push_back(ElementJson(tree, root, data, findings));
   return all;
 }
 

@@ -5,15 +5,20 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "der_walk.h"
+#include "lint.h"
 
 namespace keyasn {
 namespace tool {
 
 using Json = nlohmann::ordered_json;
+
+// Marks are the lint findings attached to one element.
+using Marks = std::vector<const Finding*>;
 
 // TypeName names an element: a universal type name, "[n]", "[APPLICATION n]" or
 // "[PRIVATE n]" ("EOC" for end-of-contents octets).
@@ -28,17 +33,22 @@ const char* ClassName(unsigned char tag_class);
 
 // DumpText writes one line per element: offset, header length, contents length
 // ("inf" for an indefinite length), "cons" or "prim", the name indented by depth,
-// and the readable value of a primitive (octets shortened unless `full`).
+// and the readable value of a primitive (octets shortened unless `full`), then
+// "  ! RULE" for each lint finding on the element.
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out);
 
 // ElementLine is the text line of one element (without the line end), octets
-// shortened past `octets` (0: never).
-std::string ElementLine(const Element& element, const unsigned char* data, std::size_t octets);
+// shortened past `octets` (0: never), ending with "  ! RULE" per mark.
+std::string ElementLine(const Element& element, const unsigned char* data, std::size_t octets,
+                        const Marks* marks = nullptr);
 
-// ElementFields is the JSON object of one element without its "children".
-Json ElementFields(const Element& element, const unsigned char* data);
+// ElementFields is the JSON object of one element without its "children", with a
+// "findings" array when there are marks.
+Json ElementFields(const Element& element, const unsigned char* data,
+                   const Marks* marks = nullptr);
 
-// DumpJson returns the top-level elements as a JSON array (values never shortened).
+// DumpJson returns the top-level elements as a JSON array (values never
+// shortened), each element with its lint findings.
 Json DumpJson(const Tree& tree, const unsigned char* data);
 
 // DumpLines is DumpText into lines, `indent` spaces before each, for embedding an

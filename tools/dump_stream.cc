@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "dump.h"
+#include "lint.h"
 
 namespace keyasn {
 namespace tool {
@@ -43,7 +44,7 @@ class TextPrinter : public PrinterBase {
     if (options_.depth > 0 && e.depth >= options_.depth) {
       ++hidden_.back();
     } else {
-      out_ << ElementLine(Shifted(e), data_, options_.octets) << '\n';
+      out_ << ElementLine(Shifted(e), data_, options_.octets, marks_) << '\n';
     }
     if (HasChildren(e)) hidden_.push_back(0);
     return true;
@@ -75,7 +76,7 @@ class JsonPrinter : public PrinterBase {
     out_ << (first_ ? "\n" : ",\n");
     first_ = false;
     any_ = true;
-    const std::string fields = ElementFields(Shifted(e), data_)
+    const std::string fields = ElementFields(Shifted(e), data_, marks_)
                                    .dump(2, ' ', false, Json::error_handler_t::replace);
     // The object without its closing brace, every line indented.
     const std::string pad(indent, ' ');
@@ -123,17 +124,101 @@ class JsonPrinter : public PrinterBase {
   bool any_ = false;               // an element written
 };
 
+// LintingPrinter holds each top-level element as a tree until it is complete,
+// lints it, and passes its elements on to the printer with their findings.
+class LintingPrinter : public Printer {
+ public:
+  LintingPrinter(std::unique_ptr<Printer> printer, const unsigned char* data, std::size_t size)
+      : printer_(std::move(printer)), data_(data) {
+    tree_.input_size = size;
+  }
+
+  bool Enter(const Element& e) override {
+    const int index = static_cast<int>(tree_.elements.size());
+    tree_.elements.push_back(e);
+    Element& added = tree_.elements.back();
+    if (open_.empty()) {
+      tree_.roots.push_back(index);
+    } else {
+      added.parent = open_.back();
+      tree_.elements[open_.back()].children.push_back(index);
+    }
+    events_.push_back(Event{true, index});
+    if (e.constructed || e.encapsulates) {
+      open_.push_back(index);
+    } else if (open_.empty()) {
+      Flush();
+    }
+    return true;
+  }
+  void Leave(const Element& e) override {
+    tree_.elements[open_.back()].length = e.length;
+    events_.push_back(Event{false, open_.back()});
+    open_.pop_back();
+    if (open_.empty()) Flush();
+  }
+  bool Finished() const override { return printer_->Finished(); }
+  void Fail(const WalkError& error) override {
+    tree_.failed = true;
+    tree_.error = error;
+    printer_->Fail(error);
+  }
+  void Finish() override {
+    if (!events_.empty()) Flush();  // the element the damage cut short
+    printer_->Finish();
+  }
+
+ private:
+  struct Event {
+    bool enter;
+    int index;
+  };
+
+  void Flush() {
+    // As lint sees it: after a whole top-level element, a damaged one is trailing
+    // data, whose octets are not checked; damage in the first one leaves the
+    // findings before the damage.
+    LintResult lint;
+    if (!(tree_.failed && whole_)) lint = Lint(tree_, data_);
+    whole_ = true;
+    const std::vector<Marks> marks = FindingsOf(tree_, lint);
+    for (const Event& event : events_) {
+      const Element& e = tree_.elements[event.index];
+      if (event.enter) {
+        printer_->SetMarks(&marks[event.index]);
+        printer_->Enter(e);
+        printer_->SetMarks(nullptr);
+      } else {
+        printer_->Leave(e);
+      }
+    }
+    tree_.elements.clear();
+    tree_.roots.clear();
+    events_.clear();
+  }
+
+  std::unique_ptr<Printer> printer_;
+  const unsigned char* data_;  // where the walk starts (tree_.input_size: its octets)
+  Tree tree_;
+  std::vector<int> open_;
+  std::vector<Event> events_;
+  bool whole_ = false;  // a top-level element was complete
+};
+
 }  // namespace
 
 std::unique_ptr<Printer> MakePrinter(const PrintOptions& options, const unsigned char* data,
                                      std::ostream& out,
                                      std::function<void(std::size_t)> progress) {
+  std::unique_ptr<Printer> printer;
   if (!options.json) {
-    return std::unique_ptr<Printer>(new TextPrinter(options, data, out, std::move(progress)));
+    printer.reset(new TextPrinter(options, data, out, std::move(progress)));
+  } else {
+    auto json = new JsonPrinter(options, data, out, std::move(progress));
+    json->Start();
+    printer.reset(json);
   }
-  auto printer = new JsonPrinter(options, data, out, std::move(progress));
-  printer->Start();
-  return std::unique_ptr<Printer>(printer);
+  return std::unique_ptr<Printer>(new LintingPrinter(std::move(printer), data + options.base, options.size));
 }
 
 }  // namespace tool

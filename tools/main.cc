@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
+#include "lint_command.h"
 #include "oid_config.h"
 #include "types.h"
 #include "version.h"
@@ -80,7 +81,8 @@ int main(int argc, char** argv) {
       "keyasn " KEYASN_VERSION ": inspect BER/DER files and key records, with JSON in and out.\n"
       "Input may be raw DER/BER, PEM, base64 or hex text (detected); without FILE,\n"
       "standard input when it is a pipe or a file, otherwise the bundled sample.\n"
-      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error.",
+      "Exit status: 0 success, 1 usage, 2 malformed input, 3 I/O error,\n"
+      "4 lint found a DER error.",
       "keyasn"};
   app.set_version_flag("--version", [] { return keyasn::tool::VersionText(KEYASN_VERSION); });
   app.require_subcommand(1, 1);
@@ -90,7 +92,8 @@ int main(int argc, char** argv) {
   keyasn::tool::DumpRequest dump;
   CLI::App* dump_command = app.add_subcommand(
       "dump", "Print the element tree of any BER/DER input, one line per element\n"
-              "(offset, header length, contents length, cons/prim, type, value).");
+              "(offset, header length, contents length, cons/prim, type, value,\n"
+              "then '! RULE' for each DER rule the element breaks, as lint).");
   dump_command->add_option("FILE", dump.file, "Input file, or - for standard input");
   dump_command->add_flag("--json", dump.json, "Print a JSON array of the top-level elements");
   AddOffsets(dump_command, &dump.offsets,
@@ -124,6 +127,17 @@ int main(int argc, char** argv) {
   extract_command->add_flag("--no-encap", extract_no_encap,
                             "Do not look inside OCTET STRING and BIT STRING contents");
   AddInform(extract_command, &extract.inform);
+
+  keyasn::tool::LintRequest lint;
+  CLI::App* lint_command = app.add_subcommand(
+      "lint", "Check any BER/DER input against the DER rules of X.690, one line per\n"
+              "finding (offset, severity, rule id, message), then a summary.\n"
+              "Exit status 4 when a finding is an error.");
+  lint_command->add_option("FILE", lint.file, "Input file, or - for standard input");
+  lint_command->add_flag("--json", lint.json,
+                         "Print a JSON array of the findings (offset, depth, rule, severity, "
+                         "message, path)");
+  AddInform(lint_command, &lint.inform);
 
   keyasn::tool::ShowRequest show;
   CLI::App* show_command = app.add_subcommand(
@@ -171,6 +185,7 @@ int main(int argc, char** argv) {
     extract.encapsulated = !extract_no_encap;
     return keyasn::tool::RunExtract(extract, std::cout, std::cerr);
   }
+  if (*lint_command) return keyasn::tool::RunLint(lint, std::cout, std::cerr);
   if (*show_command) return keyasn::tool::RunShow(show, std::cout, std::cerr);
   return keyasn::tool::RunEncode(encode, std::cout, std::cerr);
 }

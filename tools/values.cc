@@ -59,13 +59,38 @@ void CivilFromDays(int64_t z, int64_t* y, int* m, int* d) {
   *y = yoe + era * 400 + (*m <= 2);
 }
 
+}  // namespace
+
+bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted) {
+  if (size == 0) return false;
+  std::string text;
+  uint64_t value = 0;
+  bool first = true;
+  bool open = false;
+  for (std::size_t i = 0; i < size; ++i) {
+    if (value > (~uint64_t{0} >> 7)) return false;
+    value = (value << 7) | (data[i] & 0x7F);
+    open = (data[i] & 0x80) != 0;
+    if (open) continue;
+    if (first) {
+      const uint64_t arc = value < 40 ? 0 : value < 80 ? 1 : 2;
+      text = std::to_string(arc) + "." + std::to_string(value - 40 * arc);
+      first = false;
+    } else {
+      text += "." + std::to_string(value);
+    }
+    value = 0;
+  }
+  if (open) return false;
+  dotted->swap(text);
+  return true;
+}
+
 int DaysInMonth(int64_t y, int m) {
   static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (m == 2 && ((y % 4 == 0 && y % 100 != 0) || y % 400 == 0)) return 29;
   return kDays[m - 1];
 }
-
-}  // namespace
 
 bool TimeText(const unsigned char* data, std::size_t size, bool generalized, std::string* iso) {
   const unsigned char* p = data;

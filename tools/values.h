@@ -26,6 +26,15 @@ std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full);
 std::string IntegerTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit);
 
+// DecodeOid writes the dotted form of any object identifier's contents (X.690
+// 8.19, arcs up to 64 bits); false when they are empty or a subidentifier does not
+// end or overflows. The dump shows every valid identifier this way, including
+// those that the library's own text form (keyasn::OidText) does not carry.
+bool DecodeOid(const unsigned char* data, std::size_t size, std::string* dotted);
+
+// DaysInMonth is the number of days of `month` (1..12) in the Gregorian `year`.
+int DaysInMonth(int64_t year, int month);
+
 // TimeText turns UTCTime (`generalized` false) or GeneralizedTime text into ISO
 // 8601 in UTC ("2024-01-01T00:00:00Z", a fraction kept); a GeneralizedTime
 // without a zone is local time and ends without "Z". False when the text is not

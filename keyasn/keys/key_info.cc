@@ -23,6 +23,8 @@ constexpr char kReadPlace[] = "ASNKeyInfo::ReadData";
 constexpr char kSplitPlace[] = "ASNKeyInfo::ReadData ASNTGetSequence";
 constexpr char kHeaderPlace[] = "ASNKeyInfo::ReadData ASNTGetAsnInfo";
 constexpr unsigned int kLastKnownTag = 9;
+// The header's Length of a constructed element of indefinite length.
+constexpr unsigned int kIndefinite = 0xFFFFFFFFu;
 // With this flag the legacy INTEGER form of [2] widens to 20 octets.
 constexpr unsigned int kLongSecondOctetsFlag = 0x10;
 
@@ -156,9 +158,9 @@ IdentObj DecodePlain(const ASNT_ASN_STRUCT_INFO& info) {
   return ASNTLowDecodeData(info, info.Contents, info.Length, nullptr);
 }
 
-void ReadInteger(const IdentObj& item, unsigned int& target) {
+void ReadInteger(const unsigned char* item, unsigned int itemSize, unsigned int& target) {
   ASNT_ASN_STRUCT_INFO info;
-  if (PlainElement(item.GetData(), item.Count(), &info) && info.Tag == kIntegerTag &&
+  if (PlainElement(item, itemSize, &info) && info.Tag == kIntegerTag &&
       info.Class != kContextClass) {
     // The INTEGER's decoded value (one leading 0x00 dropped, least significant
     // octet first), its first four octets over a zero target.
@@ -174,7 +176,7 @@ void ReadInteger(const IdentObj& item, unsigned int& target) {
     return;
   }
   CASNTBaseRecord record;
-  record.ReadData(item.GetData(), item.Count(), nullptr);
+  record.ReadData(item, itemSize, nullptr);
   if (record.GetTag() != kIntegerTag) throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
   const IdentObj& value = record.GetRecord(nullptr);
   target = 0;
@@ -205,6 +207,40 @@ IdentObj ReadLegacyOctets(const unsigned char* contents, unsigned int length,
   return widened;
 }
 
+// ForEachDefiniteItem splits the constructed element at `data` as
+// ASNTGetSequence(items, data, size, err) does, calling each(item, itemSize) in
+// place instead of copying the items, when that split cannot fail: the element
+// and every item have a definite length, and no item reaches past `size`. It then
+// returns true with `*consumed` set as ASNTGetSequence would return it; otherwise
+// it returns false before any call (the caller splits with ASNTGetSequence, which
+// reports the failure). Pass a no-op `each` first to know which way to take.
+template <class Each>
+bool ForEachDefiniteItem(const unsigned char* data, unsigned int size, unsigned int* consumed,
+                         Each each) {
+  ASNT_ASN_STRUCT_INFO info;
+  if (ASNTGetAsnInfo(info, data, size) != keyasn::kOk || !info.Constructed ||
+      info.Length == kIndefinite) {
+    return false;
+  }
+  const unsigned int h = static_cast<unsigned int>(info.Contents - data);
+  const uint64_t end = uint64_t{h} + info.Length;
+  if (end <= h) return false;
+  uint64_t offset = h;
+  do {
+    const unsigned int at = static_cast<unsigned int>(offset);
+    if (ASNTGetAsnInfo(info, data + at, size - at) != keyasn::kOk ||
+        info.Length == kIndefinite) {
+      return false;
+    }
+    const uint64_t itemSize = (info.Contents - (data + at)) + uint64_t{info.Length};
+    if (offset + itemSize > size) return false;
+    each(data + at, static_cast<unsigned int>(itemSize));
+    offset += itemSize;
+  } while (offset < end);
+  *consumed = static_cast<unsigned int>(offset);
+  return true;
+}
+
 // ReadInnerValue returns the decoded value of the one element in `contents`.
 IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
   ASNT_ASN_STRUCT_INFO info;
@@ -212,6 +248,71 @@ IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
   CASNTBaseRecord inner;
   inner.ReadData(contents, length, nullptr);
   return inner.GetRecord(nullptr);
+}
+
+// ReadItem reads the SEQUENCE's item number `index` (0: Flags, 1: Number, then the
+// tagged members) into `ki`.
+void ReadItem(ASNKeyInfo& ki, unsigned int index, const unsigned char* item,
+              unsigned int itemSize) {
+  if (index == 0) return ReadInteger(item, itemSize, ki.Flags);
+  if (index == 1) return ReadInteger(item, itemSize, ki.Number);
+  ASNT_ASN_STRUCT_INFO info;
+  const int code = ASNTGetAsnInfo(info, item, itemSize);
+  if (code != 0) throw XRUVStatus(code, kHeaderPlace, false);
+  if (info.Class != kContextClass) {
+    throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
+  }
+  if (info.Tag > kLastKnownTag) return;
+
+  // The contents never reach past the item (an indefinite length included).
+  const unsigned char* contents = info.Contents;
+  const unsigned int available = itemSize - static_cast<unsigned int>(contents - item);
+  const unsigned int length = std::min(info.Length, available);
+
+  switch (info.Tag) {
+    case 0:
+      ki.AlgorithmId.ReadData(contents, length, nullptr);
+      break;
+    case 1:
+      // With the flag set a 20-octet buffer used to be made here and then
+      // replaced by the 16-octet one: [1] is 16 octets either way (kept).
+      ki.Octets1 = ReadLegacyOctets(contents, length, 16);
+      break;
+    case 2:
+      ki.Octets2 = ReadLegacyOctets(contents, length,
+                                 (ki.Flags & kLongSecondOctetsFlag) != 0 ? 20 : 16);
+      break;
+    case 3:
+      ki.Octets3 = ReadInnerValue(contents, length);
+      break;
+    case 4:
+      ki.Octets4 = ReadInnerValue(contents, length);
+      break;
+    case 5:
+      ki.Octets5 = ReadInnerValue(contents, length);
+      break;
+    case 6:
+      ki.Validity.SetEncoded(IdentObj(contents, length));
+      break;
+    case 7: {
+      const IdentObj value = ReadInnerValue(contents, length);
+      // An empty bit string value reads as an empty blob.
+      if (value.Count() == 0) {
+        ki.KeyBits = CRUVCryptBitBlob();
+      } else {
+        ki.KeyBits = CRUVCryptBitBlob(value.GetData() + 1, value.Count() - 1, value.GetData()[0]);
+      }
+      break;
+    }
+    case 8:
+      ki.Octets8 = ReadInnerValue(contents, length);
+      break;
+    case 9:
+      ki.Octets9 = ReadInnerValue(contents, length);
+      break;
+    default:
+      break;
+  }
 }
 
 }  // namespace
@@ -341,73 +442,23 @@ unsigned int ASNKeyInfo::ReadData(const void* data, unsigned int size, int* err)
     KeyBits = CRUVCryptBitBlob();
     Validity = CASNValid();
 
+    // The items are read in place when the split cannot fail (no copies), else
+    // from ASNTGetSequence's copies; both see the same items.
+    const unsigned char* octets = static_cast<const unsigned char*>(data);
+    unsigned int count = 0;
     std::list<IdentObj> items;
-    result = ASNTGetSequence(items, static_cast<const unsigned char*>(data), size, nullptr);
-    if (items.size() < 2) throw XRUVStatus(keyasn::kErrMalformed, kSplitPlace, false);
-
-    auto item = items.begin();
-    ReadInteger(*item++, Flags);
-    ReadInteger(*item++, Number);
-
-    for (; item != items.end(); ++item) {
-      ASNT_ASN_STRUCT_INFO info;
-      const int code = ASNTGetAsnInfo(info, item->GetData(), item->Count());
-      if (code != 0) throw XRUVStatus(code, kHeaderPlace, false);
-      if (info.Class != kContextClass) {
-        throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
-      }
-      if (info.Tag > kLastKnownTag) continue;
-
-      // The contents never reach past the item (an indefinite length included).
-      const unsigned char* contents = info.Contents;
-      const unsigned int available =
-          item->Count() - static_cast<unsigned int>(contents - item->GetData());
-      const unsigned int length = std::min(info.Length, available);
-
-      switch (info.Tag) {
-        case 0:
-          AlgorithmId.ReadData(contents, length, nullptr);
-          break;
-        case 1:
-          // With the flag set a 20-octet buffer used to be made here and then
-          // replaced by the 16-octet one: [1] is 16 octets either way (kept).
-          Octets1 = ReadLegacyOctets(contents, length, 16);
-          break;
-        case 2:
-          Octets2 = ReadLegacyOctets(contents, length,
-                                     (Flags & kLongSecondOctetsFlag) != 0 ? 20 : 16);
-          break;
-        case 3:
-          Octets3 = ReadInnerValue(contents, length);
-          break;
-        case 4:
-          Octets4 = ReadInnerValue(contents, length);
-          break;
-        case 5:
-          Octets5 = ReadInnerValue(contents, length);
-          break;
-        case 6:
-          Validity.SetEncoded(IdentObj(contents, length));
-          break;
-        case 7: {
-          const IdentObj value = ReadInnerValue(contents, length);
-          // An empty bit string value reads as an empty blob.
-          if (value.Count() == 0) {
-            KeyBits = CRUVCryptBitBlob();
-          } else {
-            KeyBits = CRUVCryptBitBlob(value.GetData() + 1, value.Count() - 1, value.GetData()[0]);
-          }
-          break;
-        }
-        case 8:
-          Octets8 = ReadInnerValue(contents, length);
-          break;
-        case 9:
-          Octets9 = ReadInnerValue(contents, length);
-          break;
-        default:
-          break;
-      }
+    if (ForEachDefiniteItem(octets, size, &result,
+                            [&count](const unsigned char*, unsigned int) { ++count; })) {
+      if (count < 2) throw XRUVStatus(keyasn::kErrMalformed, kSplitPlace, false);
+      count = 0;
+      ForEachDefiniteItem(octets, size, &result,
+                          [this, &count](const unsigned char* item, unsigned int itemSize) {
+                            ReadItem(*this, count++, item, itemSize);
+                          });
+    } else {
+      result = ASNTGetSequence(items, octets, size, nullptr);
+      if (items.size() < 2) throw XRUVStatus(keyasn::kErrMalformed, kSplitPlace, false);
+      for (const IdentObj& item : items) ReadItem(*this, count++, item.GetData(), item.Count());
     }
   } catch (const XRUVStatus& status) {
     if (err == nullptr) throw;

@@ -40,7 +40,7 @@ sample=samples/container.der
 
 # Help and version.
 run 0 --version && out_has "keyasn 1.0.0"
-run 0 --help && { out_has "dump"; out_has "show"; out_has "encode"; out_has "Exit status"; }
+run 0 --help && { out_has "dump"; out_has "show"; out_has "encode"; out_has "lint"; out_has "Exit status"; }
 run 0 dump --help && { out_has "--no-encap"; out_has "--full"; out_has "--inform"; out_has "--json"; }
 run 0 show --help && { out_has "--as"; out_has "container"; }
 run 0 encode --help && { out_has "--outform"; out_has "-o,--output"; }
@@ -177,6 +177,47 @@ run 0 encode --as encr-params-binary "$work/long.json" && cmp -s "$work/out" "$w
 run 0 encode --as container "$work/c.json" -o "$work/out.der" && { out_empty; cmp -s "$work/out.der" "$sample" || fail "encode -o"; }
 run 0 encode --as container --outform pem "$work/c.json" && { out_has "-----BEGIN KEYASN CONTAINER-----"; out_has "-----END KEYASN CONTAINER-----"; }
 run 0 encode --as container --outform hex "$work/c.json" && { [ "$(cat "$work/out")" = "$(od -An -v -tx1 "$sample" | tr -d ' \n' | tr a-f A-F)" ] || fail "hex output"; }
+
+# lint: 0 without an error finding, 4 with one, 2 malformed (the findings before
+# the damage first), 1 usage, 3 I/O; the same input forms as dump.
+run 0 lint --help && { out_has "--json"; out_has "--inform"; out_has "FILE"; }
+run 1 lint --bogus
+run 1 lint a b
+run 3 lint /nonexistent/x.der && err_is "keyasn: /nonexistent/x.der: cannot open: No such file or directory"
+run 0 lint "$sample" && out_has "DER: no findings"
+run 0 lint && out_has "DER: no findings"
+run 0 lint - < "$sample" && out_has "DER: no findings"
+echo "3106 020102 020101" > "$work/set.hex"
+run 4 lint "$work/set.hex" && {
+  out_has "     5  error  set.order                   SET elements out of order"
+  out_has "1 finding (1 error, 0 notes)"
+}
+run 4 lint --json --inform hex "$work/set.hex" && {
+  out_has '"rule": "set.order"'; out_has '"severity": "error"'; out_has '"depth": 1'; out_has '"offset": 5'
+}
+run 0 dump "$work/set.hex" && out_has "INTEGER 1  ! set.order"
+# The streaming dump marks each top-level element and the element --offset reaches
+# on its own, keeps the marks under --depth, and encode ignores "findings".
+echo "3106 020102 020101 3080 0101FF 0000 3106 020102 020101" > "$work/three.hex"
+run 0 dump "$work/three.hex" && {
+  [ "$(grep -c '! set.order' "$work/out")" -eq 2 ] || fail "dump marks: $(cat "$work/out")"
+  out_has "SEQUENCE  ! length.indefinite"
+}
+run 0 dump --offset 15 "$work/three.hex" && out_has "    20  2      1 prim   INTEGER 1  ! set.order"
+run 0 dump --depth 1 "$work/three.hex" && out_has "SEQUENCE  ! length.indefinite"
+"$keyasn" dump --json "$work/three.hex" > "$work/three.json"
+grep -q '"findings"' "$work/three.json" || fail "dump --json has no findings"
+"$keyasn" encode < "$work/three.json" | xxd -p -u | tr -d '\n' > "$work/three.back"
+[ "$(cat "$work/three.back")" = "$(tr -d ' ' < "$work/three.hex")" ] || fail "encode of marked JSON: $(cat "$work/three.back")"
+run 0 lint "$work/trailing.der" && { out_has "note   data.trailing"; out_has "1 finding (0 errors, 1 note)"; }
+echo "3007 010101 02050000" > "$work/damaged.hex"
+run 2 lint "$work/damaged.hex" && {
+  out_has "boolean.value"
+  [ "$(wc -l < "$work/out")" -eq 1 ] || fail "lint of damaged input: $(cat "$work/out")"
+  err_is "keyasn: $work/damaged.hex: as hex: error at offset 5: 206 the data is malformed or truncated: length 5 runs past the end of the enclosing element (2 octets left) (the text was taken for hex; name its form with --inform der|pem|base64|hex)"
+}
+run 2 lint "$work/deep.hex" && err_has "nesting deeper than 100 levels"
+run 2 lint - < /dev/null && err_is "keyasn: <stdin>: empty input"
 
 if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
 echo "$checks behaviour checks passed"

@@ -29,9 +29,11 @@ bool StreamDump(const unsigned char* data, std::size_t size, bool json, std::str
   PrintOptions options;
   options.json = json;
   options.depth = depth;
+  options.size = size;
   std::ostringstream out;
   std::unique_ptr<Printer> printer = MakePrinter(options, data, out, nullptr);
   const WalkResult result = WalkInto(data, size, WalkOptions(), printer.get());
+  if (result.failed) printer->Fail(result.error);
   printer->Finish();
   *text = out.str();
   return !result.failed;

@@ -6,16 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "common.h"
+#include "hex_bytes.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 Tree WalkHex(const std::string& hex, bool encap = true) {
   const Bytes bytes = H(hex);

@@ -6,16 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "common.h"
+#include "hex_bytes.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 std::string Text(const std::string& hex, bool encap = true, bool full = false) {
   const Bytes der = H(hex);
@@ -50,7 +45,7 @@ TEST(DumpTest, TextLines) {
             "    13  2      3 prim   PrintableString \"ABC\"\n"
             "    18  2      0 prim   NULL\n");
   EXPECT_EQ(Text("3080 0201FF 0000"),
-            "     0  2    inf cons SEQUENCE\n"
+            "     0  2    inf cons SEQUENCE  ! length.indefinite\n"
             "     2  2      1 prim   INTEGER -1\n"
             "     5  2      0 prim   EOC\n");
   EXPECT_EQ(Text("0405 3003020105"),
@@ -63,9 +58,35 @@ TEST(DumpTest, TextLines) {
             "     0  2      3 prim [6] \"abc\"\n"
             "     5  2      2 prim [7] 0102\n");
   EXPECT_EQ(Text("170D3234303130313030303030305A"),
-            "     0  2     13 prim UTCTime 2024-01-01T00:00:00Z\n");
-  EXPECT_EQ(Text("0603 2A8686"), "     0  2      3 prim OBJECT IDENTIFIER 2A8686 (malformed OBJECT IDENTIFIER)\n");
-  EXPECT_EQ(Text("0102 0000"), "     0  2      2 prim BOOLEAN 0000 (bad BOOLEAN length)\n");
+            "     0  2     13 prim UTCTime 240101000000Z = 2024-01-01T00:00:00Z\n");
+  EXPECT_EQ(Text("0603 2A8686"), "     0  2      3 prim OBJECT IDENTIFIER 2A8686 (malformed OBJECT IDENTIFIER)  ! oid.truncated\n");
+  EXPECT_EQ(Text("0102 0000"), "     0  2      2 prim BOOLEAN 0000 (bad BOOLEAN length)  ! boolean.length\n");
+}
+
+TEST(DumpTest, FindingsMarkTheirElements) {
+  // A non-DER time keeps its own text beside the UTC value.
+  EXPECT_EQ(Text("170B 323430313031313230305A"),
+            "     0  2     11 prim UTCTime 2401011200Z = 2024-01-01T12:00:00Z  ! utctime.format\n");
+  EXPECT_EQ(Text("06042A808648"),
+            "     0  2      4 prim OBJECT IDENTIFIER 1.2.840, encoded 2A808648"
+            "  ! oid.non-minimal\n");
+  EXPECT_EQ(Text("3106 020102 020101"),
+            "     0  2      6 cons SET\n"
+            "     2  2      1 prim   INTEGER 2\n"
+            "     5  2      1 prim   INTEGER 1  ! set.order\n");
+  EXPECT_EQ(Text("3080 02810105 0000"),
+            "     0  2    inf cons SEQUENCE  ! length.indefinite\n"
+            "     2  3      1 prim   INTEGER 5  ! length.non-minimal\n"
+            "     6  2      0 prim   EOC\n");
+  const Bytes der = H("3106 0201FF 020102");
+  const Json json = DumpJson(Walk(der.data(), der.size(), WalkOptions()), der.data());
+  EXPECT_FALSE(json[0].contains("findings"));
+  EXPECT_FALSE(json[0]["children"][0].contains("findings"));
+  const Json& findings = json[0]["children"][1]["findings"];
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_EQ(findings[0]["rule"], "set.order");
+  EXPECT_EQ(findings[0]["severity"], "error");
+  EXPECT_TRUE(findings[0]["message"].is_string());
 }
 
 TEST(DumpTest, LongOctetsAreShortenedUnlessFull) {

@@ -4,11 +4,13 @@
 # every certificate of the CA bundle; dump --json | encode gives every
 # certificate and sample back, and edited values the DER that openssl -genstr
 # writes; pipes; show refusing other TYPEs; --oids; the tool's manners.
-# Usage: nav_test.sh KEYASN SOURCE_DIR [BUNDLE]
+# Usage: nav_test.sh KEYASN SOURCE_DIR [BUNDLE [STEP]]
+# STEP N checks every Nth certificate only (the sanitizer build passes 10).
 set -uo pipefail
 keyasn=$1
 cd "$2"
 bundle=${3:-/etc/ssl/certs/ca-certificates.crt}
+step=${4:-1}
 exec < /dev/null
 export KEYASN_OIDS=none
 work=$(mktemp -d)
@@ -24,7 +26,10 @@ awk -v dir="$work" '
   /-----END CERTIFICATE-----/ { close(file); file = "" }
 ' "$bundle"
 certs=0
+seen=0
 for pem in "$work"/cert*.pem; do
+  seen=$((seen + 1))
+  [ $(((seen - 1) % step)) -eq 0 ] || continue
   der=${pem%.pem}.der
   openssl x509 -in "$pem" -outform DER -out "$der"
   certs=$((certs + 1))
@@ -174,4 +179,4 @@ echo "hello world" > "$work/hello.txt"
 grep -q "as base64: error at offset 0: .*--inform" "$work/err" || fail "hint: $(cat "$work/err")"
 
 if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
-echo "navigation, extraction and round trips agree on $certs certificates ($checks checks)"
+echo "navigation, extraction and round trips agree on $certs of $seen certificates ($checks checks)"

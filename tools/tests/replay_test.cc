@@ -1,6 +1,7 @@
 // Every input of the shared seed corpora (arbitrary, mostly malformed BER/DER)
-// through every command and TYPE: each is shown or refused with exit status 2,
-// and nothing crashes or reads out of bounds.
+// through every command and TYPE: each is shown or refused with exit status 2
+// (lint: 0, 4 for a finding that is an error, or 2), and nothing crashes or
+// reads out of bounds.
 #include <dirent.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "commands.h"
+#include "lint_command.h"
 #include "types.h"
 
 namespace keyasn {
@@ -47,6 +49,16 @@ TEST(ReplayTest, EveryCorpusInputIsShownOrRefused) {
       const int status = RunDump(dump, out, err);
       ASSERT_TRUE(status == kExitOk || status == kExitMalformed) << status << err.str();
       EXPECT_EQ(status == kExitOk, err.str().empty()) << err.str();
+    }
+    for (bool json : {false, true}) {
+      LintRequest lint;
+      lint.file = file;
+      lint.json = json;
+      std::ostringstream out, err;
+      const int status = RunLint(lint, out, err);
+      ASSERT_TRUE(status == kExitOk || status == kExitFindings || status == kExitMalformed)
+          << status << err.str();
+      EXPECT_EQ(status == kExitMalformed, !err.str().empty()) << err.str();
     }
     for (const TypeInfo& type : AllTypes()) {
       SCOPED_TRACE(type.name);

@@ -4,18 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include "hex_bytes.h"
 #include "oid_config.h"
 #include "oid_names.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) {
-  Bytes bytes;
-  EXPECT_TRUE(ParseHex(hex, &bytes)) << hex;
-  return bytes;
-}
 
 TEST(ValuesTest, Integers) {
   struct Row {
@@ -38,6 +33,36 @@ TEST(ValuesTest, Integers) {
   EXPECT_EQ(IntegerText(big.data(), big.size(), false),
             "0x11111111111111111111111111111111... (40 octets)");
   EXPECT_EQ(IntegerText(big.data(), big.size(), true), "0x" + std::string(80, '1'));
+}
+
+// Every valid identifier is shown, also those beyond the library's own text form.
+TEST(ValuesTest, ObjectIdentifiers) {
+  struct Row {
+    const char* hex;
+    const char* dotted;
+  };
+  const Row rows[] = {
+      {"2A864886F70D", "1.2.840.113549"},
+      {"2A8503020213", "1.2.643.2.2.19"},
+      {"00", "0.0"}, {"27", "0.39"}, {"28", "1.0"}, {"4F", "1.39"}, {"50", "2.0"},
+      {"8837", "2.999"},
+      {"2B0601040182371402", "1.3.6.1.4.1.311.20.2"},
+      {"2A81FFFFFFFFFFFFFFFF7F", "1.2.18446744073709551615"},
+      {"2A8001", "1.2.1"},  // a leading zero group reads like the minimal form
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.dotted);
+    const Bytes contents = H(row.hex);
+    std::string dotted;
+    ASSERT_TRUE(DecodeOid(contents.data(), contents.size(), &dotted));
+    EXPECT_EQ(dotted, row.dotted);
+  }
+  for (const char* bad : {"", "2A86", "2A8182838485868788898A01"}) {
+    SCOPED_TRACE(bad);
+    const Bytes contents = H(bad);
+    std::string dotted;
+    EXPECT_FALSE(DecodeOid(contents.data(), contents.size(), &dotted));
+  }
 }
 
 TEST(ValuesTest, Times) {
