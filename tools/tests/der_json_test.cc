@@ -11,17 +11,16 @@
 
 #include <gtest/gtest.h>
 
+#include "hex_bytes.h"
+
 #include "dump_stream.h"
 #include "load.h"
 #include "locate.h"
 #include "oid_config.h"
-#include "test_hex.h"
 
 namespace keyasn {
 namespace tool {
 namespace {
-
-Bytes H(const std::string& hex) { return HexOctets(hex); }
 
 // StreamDump prints what dump prints for `der`; false when the walk fails.
 bool StreamDump(const unsigned char* data, std::size_t size, bool json, std::string* text,
