@@ -84,13 +84,10 @@ int RunDump(const DumpRequest& request, std::ostream& out, std::ostream& err) {
   print.depth = request.depth;
   print.base = span.offset;
   print.size = span.size;
-  std::unique_ptr<Printer> printer = MakePrinter(print, input->data(), out, Releaser(input.get()));
   WalkOptions options;
   options.open_encapsulated = request.encapsulated;
   errno = 0;
-  const WalkResult result = WalkInto(input->data() + span.offset, span.size, options, printer.get());
-  if (result.failed) printer->Fail(result.error);
-  printer->Finish();
+  const WalkResult result = PrintWalk(input->data(), print, options, out, Releaser(input.get()));
   out.flush();
   if (!out) {
     Report(err, "<stdout>", WriteFailure());

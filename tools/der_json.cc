@@ -27,7 +27,8 @@ Json ShownValue(unsigned char tag_class, unsigned int tag, const Bytes& contents
   e.tag_class = tag_class;
   e.tag = tag;
   element.insert(element.end(), contents.begin(), contents.end());
-  return ElementFields(e, element.data())["value"];
+  std::string value;
+  return PrimitiveValue(e, element.data(), &value) ? Json(value) : Json();
 }
 
 Bytes EncodeNode(const JsonIn& node);

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "header_octets.h"
+#include "json_text.h"
 #include "oid_config.h"
 #include "values.h"
 
@@ -24,50 +25,65 @@ const char* UniversalName(unsigned int tag) {
   return tag < sizeof kNames / sizeof kNames[0] ? kNames[tag] : nullptr;
 }
 
-// Described is the readable value of a primitive in its two forms.
+// Described is the readable value of a primitive, in the form asked for.
 struct Described {
-  std::string text;           // for the text line (may be empty)
-  Json value;                 // for JSON (null when there is no value)
-  const char* name = nullptr; // the name of an object identifier
-  int unused_bits = -1;       // for a BIT STRING
+  std::string text;            // for the text line (may be empty)
+  std::string value;           // for JSON
+  bool has_value = false;      // false: the JSON value is null
+  const char* name = nullptr;  // the name of an object identifier
+  int unused_bits = -1;        // for a BIT STRING
+  void Value(std::string v) {
+    value = std::move(v);
+    has_value = true;
+  }
 };
 
-Described Describe(const Element& e, const unsigned char* data, std::size_t octets) {
+// Describe fills `text` (octets shortened past `octets`, 0: never) or, for JSON,
+// `value`; the name and the unused bits in both.
+Described Describe(const Element& e, const unsigned char* data, std::size_t octets, bool json) {
   Described d;
   const unsigned char* p = data + e.offset + e.header_length;
   const std::size_t n = e.length;
+  const bool text = !json;
   if (e.end_of_contents) return d;
   if (e.tag_class != 0) {
     // Tagged primitives are shown as text when every octet is printable (such as
     // the URIs of a general name), otherwise as hex.
+    if (json) {
+      d.Value(ToHex(p, n));
+      return d;
+    }
     bool printable = n > 0;
     for (std::size_t i = 0; i < n && printable; ++i) printable = p[i] >= 0x20 && p[i] < 0x7F;
     d.text = printable ? QuoteString(p, n, false) : HexTextUpTo(p, n, octets);
-    d.value = ToHex(p, n);
     return d;
   }
   switch (e.tag) {
     case 1:
       if (n == 1) {
         d.text = p[0] ? "TRUE" : "FALSE";
-        d.value = d.text;
+        if (json) d.Value(d.text);
+      } else if (json) {
+        d.Value(ToHex(p, n));
       } else {
         d.text = HexTextUpTo(p, n, octets) + " (bad BOOLEAN length)";
-        d.value = ToHex(p, n);
       }
       return d;
     case 2:
     case 10:
-      d.text = IntegerTextUpTo(p, n, octets);
-      d.value = n == 0 ? Json() : Json(IntegerTextUpTo(p, n, 0));
+      if (text) d.text = IntegerTextUpTo(p, n, octets);
+      if (json && n != 0) d.Value(IntegerTextUpTo(p, n, 0));
       return d;
     case 3:
       if (n == 0) {
-        d.text = "(no contents)";
+        if (text) d.text = "(no contents)";
         return d;
       }
       d.unused_bits = p[0];
-      d.value = ToHex(p + 1, n - 1);
+      if (json) {
+        d.Value(ToHex(p + 1, n - 1));
+        return d;
+      }
       d.text = "(" + std::to_string(p[0]) + " unused bit" + (p[0] == 1 ? "" : "s") + ")";
       if (e.encapsulates) {
         d.text += ", encapsulates";
@@ -76,18 +92,24 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       }
       return d;
     case 4:
-      d.value = ToHex(p, n);
-      d.text = e.encapsulates ? "encapsulates" : HexTextUpTo(p, n, octets);
+      if (json) {
+        d.Value(ToHex(p, n));
+      } else {
+        d.text = e.encapsulates ? "encapsulates" : HexTextUpTo(p, n, octets);
+      }
       return d;
     case 5:
-      if (n != 0) d.text = HexTextUpTo(p, n, octets) + " (bad NULL length)";
+      if (text && n != 0) d.text = HexTextUpTo(p, n, octets) + " (bad NULL length)";
       return d;
     case 6: {
       std::string dotted;
       if (DecodeOid(p, n, &dotted)) {
-        d.value = dotted;
         d.name = OidName(dotted);
-        d.text = dotted;
+        if (json) {
+          d.Value(std::move(dotted));
+          return d;
+        }
+        d.text = std::move(dotted);
         if (d.name != nullptr) d.text += std::string(" (") + d.name + ")";
         // A subidentifier with a leading zero group decodes like the minimal
         // one; the octets show which encoding this is.
@@ -97,7 +119,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
             break;
           }
         }
-      } else {
+      } else if (text) {
         d.text = HexTextUpTo(p, n, octets) + " (malformed OBJECT IDENTIFIER)";
       }
       return d;
@@ -108,91 +130,130 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       if (TimeText(p, n, e.tag == 24, &iso)) {
         // The text as encoded beside its UTC value, so that a form other than
         // DER's stays visible.
-        d.text = std::string(reinterpret_cast<const char*>(p), n) + " = " + iso;
-        d.value = iso;
+        if (text) d.text = std::string(reinterpret_cast<const char*>(p), n) + " = " + iso;
+        if (json) d.Value(std::move(iso));
+      } else if (json) {
+        d.Value(ToUtf8(p, n));
       } else {
         d.text = QuoteString(p, n, false) + " (not a valid time)";
-        d.value = ToUtf8(p, n);
       }
       return d;
     }
     case 28:
     case 30: {
-      std::string text;
-      if (e.tag == 30 ? Utf16ToUtf8(p, n, &text) : Utf32ToUtf8(p, n, &text)) {
-        d.text = QuoteString(reinterpret_cast<const unsigned char*>(text.data()), text.size(), true);
-        d.value = text;
-      } else {
+      std::string converted;
+      if (e.tag == 30 ? Utf16ToUtf8(p, n, &converted) : Utf32ToUtf8(p, n, &converted)) {
+        if (json) {
+          d.Value(std::move(converted));
+        } else {
+          d.text = QuoteString(reinterpret_cast<const unsigned char*>(converted.data()),
+                               converted.size(), true);
+        }
+      } else if (text) {
         d.text = HexTextUpTo(p, n, octets) + " (malformed string)";
       }
       return d;
     }
     default:
       if (IsStringType(e.tag)) {
-        d.text = QuoteString(p, n, e.tag == 12);
-        d.value = ToUtf8(p, n);
+        if (json) {
+          d.Value(ToUtf8(p, n));
+        } else {
+          d.text = QuoteString(p, n, e.tag == 12);
+        }
+      } else if (json) {
+        d.Value(ToHex(p, n));
       } else {
         d.text = HexTextUpTo(p, n, octets);
-        d.value = ToHex(p, n);
       }
       return d;
   }
 }
 
+// AppendRight appends `text` right-aligned in `width` columns (wider text as it is).
+void AppendRight(std::string* out, const char* text, std::size_t size, std::size_t width) {
+  if (size < width) out->append(width - size, ' ');
+  out->append(text, size);
+}
+
+// AppendTypeName appends the element's type name without building a string for
+// the universal names.
+void AppendTypeName(std::string* out, const Element& e) {
+  const char* name = e.end_of_contents ? "EOC" : (e.tag_class & 0xC0) == 0 ? UniversalName(e.tag) : nullptr;
+  if (name != nullptr) {
+    out->append(name);
+  } else {
+    out->append(TypeName(e.tag_class, e.tag));
+  }
+}
+
 // AddOriginalHeader keeps the identifier and length octets when they are not
 // the shortest form (BER), so that encode can write the input back as it was.
-void AddOriginalHeader(const Element& e, const unsigned char* data, Json* j) {
+void AddOriginalHeader(const Element& e, const unsigned char* data, JsonObject* object) {
   if (e.end_of_contents) return;
   const Bytes minimal = MinimalHeader(e.tag_class, e.constructed, e.tag, e.indefinite, e.length);
   const unsigned char* header = data + e.offset;
   if (minimal.size() != e.header_length ||
       !std::equal(minimal.begin(), minimal.end(), header)) {
-    (*j)["header"] = ToHex(header, e.header_length);
+    object->String("header", ToHex(header, e.header_length));
   }
-}
-
-using ElementFindings = std::vector<std::vector<const Finding*>>;
-
-Json ElementJson(const Tree& tree, int index, const unsigned char* data,
-                 const ElementFindings& findings) {
-  const Element& e = tree.elements[index];
-  Json j = ElementFields(e, data, &findings[index]);
-  Json children = Json::array();
-  for (int child : e.children) children.push_back(ElementJson(tree, child, data, findings));
-  j["children"] = std::move(children);
-  return j;
 }
 
 }  // namespace
 
-Json ElementFields(const Element& e, const unsigned char* data, const Marks* marks) {
-  Json j;
-  j["offset"] = e.offset;
-  j["header_length"] = e.header_length;
-  j["length"] = e.indefinite ? Json() : Json(e.length);
-  j["class"] = ClassName(e.tag_class);
-  j["constructed"] = e.constructed;
-  j["tag"] = e.tag;
-  j["type"] = e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag);
-  if (e.constructed) {
-    j["value"] = nullptr;
+void AddElementMembers(JsonObject* object, const Element& e, const unsigned char* data,
+                       const Marks* marks) {
+  object->Number("offset", e.offset);
+  object->Number("header_length", e.header_length);
+  if (e.indefinite) {
+    object->Null("length");
   } else {
-    Described d = Describe(e, data, 0);
-    j["value"] = d.value;
-    if (d.name != nullptr) j["name"] = d.name;
-    if (d.unused_bits >= 0) j["unused_bits"] = d.unused_bits;
-    j["hex"] = ToHex(data + e.offset + e.header_length, e.length);
+    object->Number("length", e.length);
   }
-  if (e.encapsulated) j["encapsulated"] = true;
-  AddOriginalHeader(e, data, &j);
-  if (marks != nullptr && !marks->empty()) {
-    Json list = Json::array();
-    for (const Finding* f : *marks) {
-      list.push_back({{"rule", f->rule}, {"severity", SeverityName(f->severity)}, {"message", f->message}});
+  object->String("class", ClassName(e.tag_class));
+  object->Bool("constructed", e.constructed);
+  object->Number("tag", e.tag);
+  std::string type;
+  AppendTypeName(&type, e);
+  object->String("type", type);
+  if (e.constructed) {
+    object->Null("value");
+  } else {
+    const Described d = Describe(e, data, 0, true);
+    if (d.has_value) {
+      object->String("value", d.value);
+    } else {
+      object->Null("value");
     }
-    j["findings"] = std::move(list);
+    if (d.name != nullptr) object->String("name", d.name);
+    if (d.unused_bits >= 0) object->Number("unused_bits", static_cast<unsigned int>(d.unused_bits));
+    object->String("hex", ToHex(data + e.offset + e.header_length, e.length));
   }
-  return j;
+  if (e.encapsulated) object->Bool("encapsulated", true);
+  AddOriginalHeader(e, data, object);
+  if (marks != nullptr && !marks->empty()) {
+    std::string& list = object->Key("findings");
+    list.push_back('[');
+    bool first = true;
+    for (const Finding* f : *marks) {
+      JsonItem(&list, first, object->inner() + 2);
+      first = false;
+      JsonObject finding(&list, object->inner() + 2);
+      finding.String("rule", f->rule);
+      finding.String("severity", SeverityName(f->severity));
+      finding.String("message", f->message);
+      finding.Close();
+    }
+    list.push_back('\n');
+    list.append(object->inner(), ' ');
+    list.push_back(']');
+  }
+}
+
+bool PrimitiveValue(const Element& e, const unsigned char* data, std::string* value) {
+  Described d = Describe(e, data, 0, true);
+  value->swap(d.value);
+  return d.has_value;
 }
 
 bool IsStringType(unsigned int tag) {
@@ -226,40 +287,46 @@ std::string TypeName(unsigned char tag_class, unsigned int tag) {
 
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out) {
   const LintResult lint = Lint(tree, data);
-  const ElementFindings findings = FindingsOf(tree, lint);
+  const std::vector<Marks> findings = FindingsOf(tree, lint);
+  std::string line;
   for (std::size_t index = 0; index < tree.elements.size(); ++index) {
-    out << ElementLine(tree.elements[index], data, full ? 0 : kShortOctets, &findings[index])
-        << '\n';
+    line.clear();
+    AppendElementLine(&line, tree.elements[index], data, full ? 0 : kShortOctets, &findings[index]);
+    line.push_back('\n');
+    out << line;
   }
 }
 
-std::string ElementLine(const Element& e, const unsigned char* data, std::size_t octets,
-                        const Marks* marks) {
-  {
-    char head[64];
-    const std::string length = e.indefinite ? "inf" : std::to_string(e.length);
-    std::snprintf(head, sizeof head, "%6zu %2u %6s %s ", e.offset, e.header_length,
-                  length.c_str(), e.constructed ? "cons" : "prim");
-    std::string line = head;
-    line.append(static_cast<std::size_t>(e.depth) * 2, ' ');
-    line += e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag);
-    if (!e.constructed) {
-      const Described d = Describe(e, data, octets);
-      if (!d.text.empty()) line += " " + d.text;
-    }
-    if (marks != nullptr) {
-      for (const Finding* f : *marks) line += std::string("  ! ") + f->rule;
-    }
-    return line;
+void AppendElementLine(std::string* line, const Element& e, const unsigned char* data,
+                       std::size_t octets, const Marks* marks) {
+  // The columns as printf's "%6zu %2u %6s %s " would write them, without its
+  // cost on every line.
+  char number[24];
+  AppendRight(line, number, Decimal(e.offset, number), 6);
+  line->push_back(' ');
+  AppendRight(line, number, Decimal(e.header_length, number), 2);
+  line->push_back(' ');
+  if (e.indefinite) {
+    AppendRight(line, "inf", 3, 6);
+  } else {
+    AppendRight(line, number, Decimal(e.length, number), 6);
   }
-}
-
-Json DumpJson(const Tree& tree, const unsigned char* data) {
-  const LintResult lint = Lint(tree, data);
-  const ElementFindings findings = FindingsOf(tree, lint);
-  Json all = Json::array();
-  for (int root : tree.roots) all.push_back(ElementJson(tree, root, data, findings));
-  return all;
+  line->append(e.constructed ? " cons " : " prim ");
+  line->append(static_cast<std::size_t>(e.depth) * 2, ' ');
+  AppendTypeName(line, e);
+  if (!e.constructed) {
+    const Described d = Describe(e, data, octets, false);
+    if (!d.text.empty()) {
+      line->push_back(' ');
+      line->append(d.text);
+    }
+  }
+  if (marks != nullptr) {
+    for (const Finding* f : *marks) {
+      line->append("  ! ");
+      line->append(f->rule);
+    }
+  }
 }
 
 std::string DumpLines(const unsigned char* data, std::size_t size, const std::string& indent,

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "der_walk.h"
+#include "json_text.h"
 #include "lint.h"
 
 namespace keyasn {
@@ -37,19 +38,18 @@ const char* ClassName(unsigned char tag_class);
 // "  ! RULE" for each lint finding on the element.
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out);
 
-// ElementLine is the text line of one element (without the line end), octets
-// shortened past `octets` (0: never), ending with "  ! RULE" per mark.
-std::string ElementLine(const Element& element, const unsigned char* data, std::size_t octets,
-                        const Marks* marks = nullptr);
+// AppendElementLine appends the text line of one element (without the line end),
+// octets shortened past `octets` (0: never), ending with "  ! RULE" per mark.
+void AppendElementLine(std::string* line, const Element& element, const unsigned char* data,
+                       std::size_t octets, const Marks* marks = nullptr);
 
-// ElementFields is the JSON object of one element without its "children", with a
-// "findings" array when there are marks.
-Json ElementFields(const Element& element, const unsigned char* data,
-                   const Marks* marks = nullptr);
+// AddElementMembers writes the members of one element's JSON object, all but its
+// "children", with a "findings" array when there are marks.
+void AddElementMembers(JsonObject* object, const Element& element, const unsigned char* data,
+                       const Marks* marks = nullptr);
 
-// DumpJson returns the top-level elements as a JSON array (values never
-// shortened), each element with its lint findings.
-Json DumpJson(const Tree& tree, const unsigned char* data);
+// PrimitiveValue is the JSON "value" of a primitive element; false when it is null.
+bool PrimitiveValue(const Element& element, const unsigned char* data, std::string* value);
 
 // DumpLines is DumpText into lines, `indent` spaces before each, for embedding an
 // element's tree in other output (show).

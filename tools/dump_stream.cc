@@ -1,5 +1,6 @@
 #include "dump_stream.h"
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,11 +30,19 @@ class PrinterBase : public Printer {
     return shifted;
   }
   static bool HasChildren(const Element& e) { return e.constructed || e.encapsulates; }
+  // Emit writes what the buffer holds once there is enough of it (`all`: whatever
+  // it holds), so that the stream is written in large pieces.
+  void Emit(bool all = false) {
+    if (!all && text_.size() < (64u << 10)) return;
+    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+    text_.clear();
+  }
 
   PrintOptions options_;
   const unsigned char* data_;
   std::ostream& out_;
   std::function<void(std::size_t)> progress_;
+  std::string text_;  // output not yet written
 };
 
 class TextPrinter : public PrinterBase {
@@ -44,7 +53,9 @@ class TextPrinter : public PrinterBase {
     if (options_.depth > 0 && e.depth >= options_.depth) {
       ++hidden_.back();
     } else {
-      out_ << ElementLine(Shifted(e), data_, options_.octets, marks_) << '\n';
+      AppendElementLine(&text_, Shifted(e), data_, options_.octets, marks_);
+      text_.push_back('\n');
+      Emit();
     }
     if (HasChildren(e)) hidden_.push_back(0);
     return true;
@@ -53,70 +64,66 @@ class TextPrinter : public PrinterBase {
     const std::size_t hidden = hidden_.back();
     hidden_.pop_back();
     if (hidden > 0 && e.depth == options_.depth - 1) {
-      out_ << std::string(kHeadWidth + 2 * static_cast<std::size_t>(options_.depth), ' ') << "... "
-           << hidden << (hidden == 1 ? " element" : " elements") << '\n';
+      text_.append(kHeadWidth + 2 * static_cast<std::size_t>(options_.depth), ' ');
+      text_ += "... " + std::to_string(hidden) + (hidden == 1 ? " element" : " elements") + "\n";
+      Emit();
     } else if (hidden > 0) {
       hidden_.back() += hidden;
     }
   }
-  void Finish() override {}
+  void Finish() override { Emit(true); }
 
  private:
   std::vector<std::size_t> hidden_{0};  // elements not shown, per open element
 };
 
-// JsonPrinter writes the same text as nlohmann's dump(2) of the whole array, one
-// element at a time: an object's fields, then its children as they come.
+// JsonPrinter writes the text of the whole array as one document would be
+// dumped, one element at a time: an object's members, then its children as they
+// come.
 class JsonPrinter : public PrinterBase {
  public:
   using PrinterBase::PrinterBase;
 
   bool Enter(const Element& e) override {
     const std::size_t indent = 2 + 4 * open_.size();
-    out_ << (first_ ? "\n" : ",\n");
+    JsonItem(&text_, first_, indent);
     first_ = false;
     any_ = true;
-    const std::string fields = ElementFields(Shifted(e), data_, marks_)
-                                   .dump(2, ' ', false, Json::error_handler_t::replace);
-    // The object without its closing brace, every line indented.
-    const std::string pad(indent, ' ');
-    std::size_t start = 0;
-    const std::size_t body_end = fields.size() - 2;  // before "\n}"
-    while (start < body_end) {
-      std::size_t end = fields.find('\n', start);
-      if (end == std::string::npos || end > body_end) end = body_end;
-      if (start > 0) out_ << '\n';
-      out_ << pad;
-      out_.write(fields.data() + start, static_cast<std::streamsize>(end - start));
-      start = end + 1;
-    }
-    out_ << ",\n" << pad << "  \"children\": [";
+    JsonObject object(&text_, indent);
+    AddElementMembers(&object, Shifted(e), data_, marks_);
+    object.Key("children").push_back('[');
     if (HasChildren(e)) {
       open_.push_back(indent);
       first_ = true;
     } else {
-      out_ << "]\n" << pad << '}';
+      text_.push_back(']');
+      object.Close();
     }
+    Emit();
     return true;
   }
   void Leave(const Element&) override { Close(); }
   void Finish() override {
     while (!open_.empty()) Close();
-    out_ << (any_ ? "\n]\n" : "]\n");
+    text_ += any_ ? "\n]\n" : "]\n";
+    Emit(true);
   }
-  // The opening bracket is written at once, so the output starts before the walk ends.
-  void Start() { out_ << '['; }
+  void Start() { text_.push_back('['); }
 
  private:
   void Close() {
-    const std::string pad(open_.back(), ' ');
+    const std::size_t indent = open_.back();
     open_.pop_back();
-    if (first_) {
-      out_ << "]\n" << pad << '}';
-    } else {
-      out_ << '\n' << pad << "  ]\n" << pad << '}';
+    if (!first_) {
+      text_.push_back('\n');
+      text_.append(indent + 2, ' ');
     }
+    text_.push_back(']');
+    text_.push_back('\n');
+    text_.append(indent, ' ');
+    text_.push_back('}');
     first_ = false;
+    Emit();
   }
 
   std::vector<std::size_t> open_;  // indentation of each open object
@@ -219,6 +226,25 @@ std::unique_ptr<Printer> MakePrinter(const PrintOptions& options, const unsigned
     printer.reset(json);
   }
   return std::unique_ptr<Printer>(new LintingPrinter(std::move(printer), data + options.base, options.size));
+}
+
+WalkResult PrintWalk(const unsigned char* data, const PrintOptions& options,
+                     const WalkOptions& walk, std::ostream& out,
+                     std::function<void(std::size_t)> progress) {
+  const std::unique_ptr<Printer> printer = MakePrinter(options, data, out, std::move(progress));
+  const WalkResult result = WalkInto(data + options.base, options.size, walk, printer.get());
+  if (result.failed) printer->Fail(result.error);
+  printer->Finish();
+  return result;
+}
+
+Json DumpJson(const unsigned char* data, std::size_t size) {
+  PrintOptions options;
+  options.json = true;
+  options.size = size;
+  std::ostringstream text;
+  PrintWalk(data, options, WalkOptions(), text, nullptr);
+  return Json::parse(text.str());
 }
 
 }  // namespace tool

@@ -46,6 +46,15 @@ std::unique_ptr<Printer> MakePrinter(const PrintOptions& options, const unsigned
                                      std::ostream& out,
                                      std::function<void(std::size_t)> progress);
 
+// PrintWalk walks the `options.size` octets at `data + options.base` into a
+// printer made by MakePrinter, and ends its output.
+WalkResult PrintWalk(const unsigned char* data, const PrintOptions& options,
+                     const WalkOptions& walk, std::ostream& out,
+                     std::function<void(std::size_t)> progress);
+
+// DumpJson is what dump --json prints for `data`, as a document.
+Json DumpJson(const unsigned char* data, std::size_t size);
+
 }  // namespace tool
 }  // namespace keyasn
 

@@ -14,6 +14,17 @@ std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t
   return ToHex(data, limit) + "... (" + std::to_string(size) + " octets)";
 }
 
+std::size_t Decimal(uint64_t value, char* digits) {
+  char reversed[20];
+  std::size_t n = 0;
+  do {
+    reversed[n++] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  for (std::size_t i = 0; i < n; ++i) digits[i] = reversed[n - 1 - i];
+  return n;
+}
+
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full) {
   return IntegerTextUpTo(data, size, full ? 0 : kShortOctets);
 }

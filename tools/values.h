@@ -21,6 +21,10 @@ std::string HexText(const unsigned char* data, std::size_t size, bool full);
 // HexTextUpTo is HexText shortened past `limit` octets (0: never).
 std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t limit);
 
+// Decimal writes `value` in decimal into `digits` (room for 20) and returns how
+// many it wrote: the tool's hot paths format numbers without a string each.
+std::size_t Decimal(uint64_t value, char* digits);
+
 // IntegerText: two's complement contents as a decimal number when they fit in 64
 // bits, otherwise "0x" and hex (shortened like HexText unless `full`).
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full);

@@ -30,10 +30,7 @@ bool StreamDump(const unsigned char* data, std::size_t size, bool json, std::str
   options.depth = depth;
   options.size = size;
   std::ostringstream out;
-  std::unique_ptr<Printer> printer = MakePrinter(options, data, out, nullptr);
-  const WalkResult result = WalkInto(data, size, WalkOptions(), printer.get());
-  if (result.failed) printer->Fail(result.error);
-  printer->Finish();
+  const WalkResult result = PrintWalk(data, options, WalkOptions(), out, nullptr);
   *text = out.str();
   return !result.failed;
 }
@@ -155,9 +152,10 @@ TEST(DerJsonTest, CorporaRoundTrip) {
     }
     std::string json;
     if (!StreamDump(input->data(), input->size(), true, &json)) continue;
-    const Tree tree = Walk(input->data(), input->size(), WalkOptions());
-    ASSERT_EQ(json, DumpJson(tree, input->data()).dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
-    const Bytes back = EncodeDumpJson(Json::parse(json));
+    // The streamed text is what nlohmann writes for the same document.
+    const Json document = Json::parse(json);
+    ASSERT_EQ(json, document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    const Bytes back = EncodeDumpJson(document);
     ASSERT_TRUE(back.size() == input->size() && std::equal(back.begin(), back.end(), input->data()));
     ++read;
   }

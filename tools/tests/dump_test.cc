@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "common.h"
+#include "dump_stream.h"
 #include "hex_bytes.h"
 
 namespace keyasn {
@@ -79,7 +80,7 @@ TEST(DumpTest, FindingsMarkTheirElements) {
             "     2  3      1 prim   INTEGER 5  ! length.non-minimal\n"
             "     6  2      0 prim   EOC\n");
   const Bytes der = H("3106 0201FF 020102");
-  const Json json = DumpJson(Walk(der.data(), der.size(), WalkOptions()), der.data());
+  const Json json = DumpJson(der.data(), der.size());
   EXPECT_FALSE(json[0].contains("findings"));
   EXPECT_FALSE(json[0]["children"][0].contains("findings"));
   const Json& findings = json[0]["children"][1]["findings"];
@@ -99,7 +100,7 @@ TEST(DumpTest, Json) {
   const Bytes der = H("3080 0405 3003020105 0303 00FFFF 0000");
   const Tree tree = Walk(der.data(), der.size(), WalkOptions());
   ASSERT_FALSE(tree.failed);
-  const Json j = DumpJson(tree, der.data());
+  const Json j = DumpJson(der.data(), der.size());
   ASSERT_TRUE(j.is_array());
   ASSERT_EQ(j.size(), 1u);
   const Json& seq = j[0];
@@ -134,8 +135,7 @@ TEST(DumpTest, Json) {
 
 TEST(DumpTest, JsonNamesKnownIdentifiers) {
   const Bytes der = H("06062A8503020213");
-  const Tree tree = Walk(der.data(), der.size(), WalkOptions());
-  const Json j = DumpJson(tree, der.data());
+  const Json j = DumpJson(der.data(), der.size());
   EXPECT_EQ(j[0]["value"], "1.2.643.2.2.19");
   EXPECT_EQ(j[0]["name"], "id-GostR3410-2001");
 }

@@ -1,0 +1,57 @@
+// JSON written as it goes, laid out as nlohmann's dump(2) lays out a whole
+// document (one member or item per line, two spaces per level) and escaped as it
+// escapes strings (invalid UTF-8 replaced), so that streamed output and a
+// document dumped whole are the same text.
+#ifndef KEYASN_TOOLS_JSON_TEXT_H_
+#define KEYASN_TOOLS_JSON_TEXT_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace keyasn {
+namespace tool {
+
+// AppendJsonString appends `text` as a quoted JSON string: \" \\ \b \f \n \r \t,
+// \u00xx for the other control characters, valid UTF-8 as it is, and U+FFFD for
+// each sequence that is not valid UTF-8 (its octets up to the one that breaks it).
+void AppendJsonString(std::string* out, const char* text, std::size_t size);
+inline void AppendJsonString(std::string* out, const std::string& text) {
+  AppendJsonString(out, text.data(), text.size());
+}
+void AppendJsonString(std::string* out, const char* text);
+
+// AppendJsonNumber appends an unsigned decimal number.
+void AppendJsonNumber(std::string* out, std::uint64_t value);
+
+// JsonItem starts an item of an array whose items are `indent` spaces in: a
+// comma unless it is the first, then a new line.
+void JsonItem(std::string* out, bool first, std::size_t indent);
+
+// JsonObject appends the members of one object, the braces `indent` spaces in.
+class JsonObject {
+ public:
+  // The opening brace is appended at once.
+  JsonObject(std::string* out, std::size_t indent) : out_(out), indent_(indent) { out_->push_back('{'); }
+  // Key starts a member, the caller appending its value to what it returns.
+  std::string& Key(const char* key);
+  void String(const char* key, const std::string& value) { AppendJsonString(&Key(key), value); }
+  void String(const char* key, const char* value) { AppendJsonString(&Key(key), value); }
+  void Number(const char* key, std::uint64_t value) { AppendJsonNumber(&Key(key), value); }
+  void Bool(const char* key, bool value) { Key(key) += value ? "true" : "false"; }
+  void Null(const char* key) { Key(key) += "null"; }
+  // Close appends the closing brace on a line of its own ("{}" when empty).
+  void Close();
+  // The indentation of the members (and of the brackets of an array value).
+  std::size_t inner() const { return indent_ + 2; }
+
+ private:
+  std::string* out_;
+  std::size_t indent_;
+  bool empty_ = true;
+};
+
+}  // namespace tool
+}  // namespace keyasn
+
+#endif  // KEYASN_TOOLS_JSON_TEXT_H_
