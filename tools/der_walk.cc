@@ -184,6 +184,7 @@ bool Walker::Step() {
       if (!pending_) {
         pending_ = true;
         pending_error_ = WalkError{pos_, 206, meaning};
+        sink_->Damaged(pending_error_);
       }
       const bool wanted = Report(element, frame);
       pos_ += element.header_length;
@@ -261,34 +262,39 @@ class RootCheck : public WalkSink {
   Element first_;
 };
 
-// TreeBuilder keeps every element, linked to its parent.
-class TreeBuilder : public WalkSink {
- public:
-  explicit TreeBuilder(Tree* tree) : tree_(tree) {}
-  bool Enter(const Element& element) override {
-    const int index = static_cast<int>(tree_->elements.size());
-    tree_->elements.push_back(element);
-    Element& added = tree_->elements.back();
-    if (open_.empty()) {
-      tree_->roots.push_back(index);
-    } else {
-      added.parent = open_.back();
-      tree_->elements[open_.back()].children.push_back(index);
-    }
-    if (added.constructed || added.encapsulates) open_.push_back(index);
-    return true;
-  }
-  void Leave(const Element& element) override {
-    tree_->elements[open_.back()].length = element.length;
-    open_.pop_back();
-  }
-
- private:
-  Tree* tree_;
-  std::vector<int> open_;
-};
-
 }  // namespace
+
+bool TreeSink::Enter(const Element& element) {
+  const int index = static_cast<int>(tree_->elements.size());
+  tree_->elements.push_back(element);
+  Element& added = tree_->elements.back();
+  if (open_.empty()) {
+    tree_->roots.push_back(index);
+  } else {
+    added.parent = open_.back();
+    tree_->elements[open_.back()].children.push_back(index);
+  }
+  events_.push_back(Event{true, index});
+  if (added.constructed || added.encapsulates) {
+    open_.push_back(index);
+  } else if (open_.empty()) {
+    RootDone();
+  }
+  return true;
+}
+
+void TreeSink::Leave(const Element& element) {
+  tree_->elements[open_.back()].length = element.length;
+  events_.push_back(Event{false, open_.back()});
+  open_.pop_back();
+  if (open_.empty()) RootDone();
+}
+
+void TreeSink::Clear() {
+  tree_->elements.clear();
+  tree_->roots.clear();
+  events_.clear();
+}
 
 WalkResult WalkInto(const unsigned char* data, std::size_t size, const WalkOptions& options,
                     WalkSink* sink) {
@@ -298,7 +304,7 @@ WalkResult WalkInto(const unsigned char* data, std::size_t size, const WalkOptio
 Tree Walk(const unsigned char* data, std::size_t size, const WalkOptions& options) {
   Tree tree;
   tree.input_size = size;
-  TreeBuilder builder(&tree);
+  TreeSink builder(&tree);
   const WalkResult result = WalkInto(data, size, options, &builder);
   tree.failed = result.failed;
   tree.error = result.error;

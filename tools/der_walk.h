@@ -66,6 +66,32 @@ class WalkSink {
   virtual void Leave(const Element& element) { (void)element; }
   // Finished ends the walk early (without an error) once the sink has what it needs.
   virtual bool Finished() const { return false; }
+  // Damaged: a constructed element claims more octets than hold it. The walk goes
+  // on inside it as far as the data goes, and will fail with `error` at its end.
+  virtual void Damaged(const WalkError& error) { (void)error; }
+};
+
+// TreeSink keeps the elements it is given as a tree, each linked to its parent,
+// and the order of the calls (to replay them once the tree is complete).
+class TreeSink : public WalkSink {
+ public:
+  explicit TreeSink(Tree* tree) : tree_(tree) {}
+  bool Enter(const Element& element) override;
+  void Leave(const Element& element) override;
+
+ protected:
+  struct Event {
+    bool enter;  // Enter, or Leave
+    int index;   // in Tree::elements
+  };
+  // RootDone: a top-level element is complete. A sink that holds one at a time
+  // looks at the tree and calls Clear.
+  virtual void RootDone() {}
+  void Clear();
+
+  Tree* tree_;
+  std::vector<int> open_;      // elements whose children are being walked
+  std::vector<Event> events_;  // since the last Clear
 };
 
 struct WalkResult {

@@ -136,80 +136,65 @@ class JsonPrinter : public PrinterBase {
 class LintingPrinter : public Printer {
  public:
   LintingPrinter(std::unique_ptr<Printer> printer, const unsigned char* data, std::size_t size)
-      : printer_(std::move(printer)), data_(data) {
-    tree_.input_size = size;
-  }
+      : printer_(std::move(printer)), trees_(this, data, size) {}
 
-  bool Enter(const Element& e) override {
-    const int index = static_cast<int>(tree_.elements.size());
-    tree_.elements.push_back(e);
-    Element& added = tree_.elements.back();
-    if (open_.empty()) {
-      tree_.roots.push_back(index);
-    } else {
-      added.parent = open_.back();
-      tree_.elements[open_.back()].children.push_back(index);
-    }
-    events_.push_back(Event{true, index});
-    if (e.constructed || e.encapsulates) {
-      open_.push_back(index);
-    } else if (open_.empty()) {
-      Flush();
-    }
-    return true;
-  }
-  void Leave(const Element& e) override {
-    tree_.elements[open_.back()].length = e.length;
-    events_.push_back(Event{false, open_.back()});
-    open_.pop_back();
-    if (open_.empty()) Flush();
-  }
+  bool Enter(const Element& e) override { return trees_.Enter(e); }
+  void Leave(const Element& e) override { trees_.Leave(e); }
   bool Finished() const override { return printer_->Finished(); }
   void Fail(const WalkError& error) override {
-    tree_.failed = true;
-    tree_.error = error;
+    trees_.Fail(error);
     printer_->Fail(error);
   }
   void Finish() override {
-    if (!events_.empty()) Flush();  // the element the damage cut short
+    trees_.Flush();  // the element the damage cut short
     printer_->Finish();
   }
 
  private:
-  struct Event {
-    bool enter;
-    int index;
+  class Trees : public TreeSink {
+   public:
+    Trees(LintingPrinter* owner, const unsigned char* data, std::size_t size)
+        : TreeSink(&held_), owner_(owner), data_(data) {
+      held_.input_size = size;
+    }
+    void Fail(const WalkError& error) {
+      held_.failed = true;
+      held_.error = error;
+    }
+    void Flush() {
+      if (events_.empty()) return;
+      // As lint sees it: after a whole top-level element, a damaged one is
+      // trailing data, whose octets are not checked; damage in the first one
+      // leaves the findings before the damage.
+      LintResult lint;
+      if (!(held_.failed && whole_)) lint = Lint(held_, data_);
+      whole_ = true;
+      const std::vector<Marks> marks = FindingsOf(held_, lint);
+      Printer& printer = *owner_->printer_;
+      for (const Event& event : events_) {
+        const Element& e = held_.elements[event.index];
+        if (event.enter) {
+          printer.SetMarks(&marks[event.index]);
+          printer.Enter(e);
+          printer.SetMarks(nullptr);
+        } else {
+          printer.Leave(e);
+        }
+      }
+      Clear();
+    }
+
+   private:
+    void RootDone() override { Flush(); }
+
+    LintingPrinter* owner_;
+    const unsigned char* data_;  // where the walk starts (held_.input_size: its octets)
+    Tree held_;
+    bool whole_ = false;  // a top-level element was complete
   };
 
-  void Flush() {
-    // As lint sees it: after a whole top-level element, a damaged one is trailing
-    // data, whose octets are not checked; damage in the first one leaves the
-    // findings before the damage.
-    LintResult lint;
-    if (!(tree_.failed && whole_)) lint = Lint(tree_, data_);
-    whole_ = true;
-    const std::vector<Marks> marks = FindingsOf(tree_, lint);
-    for (const Event& event : events_) {
-      const Element& e = tree_.elements[event.index];
-      if (event.enter) {
-        printer_->SetMarks(&marks[event.index]);
-        printer_->Enter(e);
-        printer_->SetMarks(nullptr);
-      } else {
-        printer_->Leave(e);
-      }
-    }
-    tree_.elements.clear();
-    tree_.roots.clear();
-    events_.clear();
-  }
-
   std::unique_ptr<Printer> printer_;
-  const unsigned char* data_;  // where the walk starts (tree_.input_size: its octets)
-  Tree tree_;
-  std::vector<int> open_;
-  std::vector<Event> events_;
-  bool whole_ = false;  // a top-level element was complete
+  Trees trees_;
 };
 
 }  // namespace

@@ -9,15 +9,14 @@
 namespace keyasn {
 namespace tool {
 
-namespace {
-
-// End is the offset just behind an element's encoding, bounded by the input
-// (a truncated element claims more than there is).
-std::size_t End(const Element& e, std::size_t size) {
+// A truncated element claims more than there is: its end is the input's.
+std::size_t ElementEnd(const Element& e, std::size_t size) {
   const std::size_t claimed = e.offset + e.header_length + (e.indefinite ? 2 : 0);
   if (claimed > size || e.length > size - claimed) return size;
   return claimed + e.length;
 }
+
+namespace {
 
 // CompareEncodings orders two encodings as X.690 11.6 does: as octet strings,
 // the shorter padded at its end with zero octets.
@@ -44,8 +43,8 @@ void CheckSetOrder(const Tree& tree, const Checked& c, std::size_t size, Finding
       const Element& p = tree.elements[previous];
       const unsigned char* a = c.data + p.offset;
       const unsigned char* b = c.data + e.offset;
-      const std::size_t na = End(p, size) - p.offset;
-      const std::size_t nb = End(e, size) - e.offset;
+      const std::size_t na = ElementEnd(p, size) - p.offset;
+      const std::size_t nb = ElementEnd(e, size) - e.offset;
       if (CompareEncodings(a, na, b, nb) > 0) {
         findings->Add(e.offset, child, "set.order", Severity::kError,
                       "SET elements out of order: this one (" + OctetsText(b, nb) +
@@ -82,7 +81,7 @@ const char* SeverityName(Severity severity) {
   return severity == Severity::kError ? "error" : "note";
 }
 
-LintResult Lint(const Tree& tree, const unsigned char* data) {
+LintResult Lint(const Tree& tree, const unsigned char* data, std::size_t whole_before) {
   const std::size_t size = tree.input_size;
   LintResult result;
   Findings findings(&result.findings);
@@ -99,14 +98,14 @@ LintResult Lint(const Tree& tree, const unsigned char* data) {
     // The top-level elements that end before the damage are whole; what follows
     // the last of them is trailing data, unless there is none (then the input
     // itself is damaged).
-    std::size_t whole_end = 0;
+    std::size_t whole_end = whole_before;
     for (int root : tree.roots) {
       const Element& e = tree.elements[root];
-      const std::size_t end = End(e, size);
+      const std::size_t end = ElementEnd(e, size);
       // An indefinite element the walk did not close has no length yet.
       const bool open = e.indefinite && e.constructed &&
                         (e.children.empty() || !tree.elements[e.children.back()].end_of_contents);
-      if (open || end > tree.error.offset || End(e, SIZE_MAX) != end) break;
+      if (open || end > tree.error.offset || ElementEnd(e, SIZE_MAX) != end) break;
       whole_end = end;
     }
     if (whole_end == 0) {

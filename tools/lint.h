@@ -32,8 +32,13 @@ struct LintResult {
 
 // Lint checks every element of `tree` (the walk of `data`). Octets that follow
 // the last complete top-level element without forming elements are one
-// data.trailing note rather than damage.
-LintResult Lint(const Tree& tree, const unsigned char* data);
+// data.trailing note rather than damage. `whole_before` is where the whole
+// top-level elements before the tree's end, when the input is linted one
+// top-level element at a time (0: the tree's are the first).
+LintResult Lint(const Tree& tree, const unsigned char* data, std::size_t whole_before = 0);
+
+// ElementEnd is the offset just behind an element's encoding, bounded by `size`.
+std::size_t ElementEnd(const Element& element, std::size_t size);
 
 // FindingsOf returns, for each element of the tree, the findings attached to it.
 std::vector<std::vector<const Finding*>> FindingsOf(const Tree& tree, const LintResult& result);
