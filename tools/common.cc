@@ -3,14 +3,20 @@
 namespace keyasn {
 namespace tool {
 
-std::string ToHex(const unsigned char* data, std::size_t size) {
+void AppendHex(std::string* out, const unsigned char* data, std::size_t size) {
   static const char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(size * 2);
+  const std::size_t at = out->size();
+  out->resize(at + size * 2);
+  char* text = &(*out)[at];
   for (std::size_t i = 0; i < size; ++i) {
-    text += kDigits[data[i] >> 4];
-    text += kDigits[data[i] & 0x0F];
+    text[2 * i] = kDigits[data[i] >> 4];
+    text[2 * i + 1] = kDigits[data[i] & 0x0F];
   }
+}
+
+std::string ToHex(const unsigned char* data, std::size_t size) {
+  std::string text;
+  AppendHex(&text, data, size);
   return text;
 }
 

@@ -36,6 +36,7 @@ class ToolError : public std::runtime_error {
 
 // ToHex writes `size` octets as upper-case hex digits, no separators.
 std::string ToHex(const unsigned char* data, std::size_t size);
+void AppendHex(std::string* out, const unsigned char* data, std::size_t size);
 inline std::string ToHex(const Bytes& bytes) { return ToHex(bytes.data(), bytes.size()); }
 
 // ParseHex reads hex digits (either case); white space and ':' between octets are

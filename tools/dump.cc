@@ -30,10 +30,18 @@ struct Described {
   std::string text;            // for the text line (may be empty)
   std::string value;           // for JSON
   bool has_value = false;      // false: the JSON value is null
+  const unsigned char* hex = nullptr;  // the JSON value is these octets in hex
+  std::size_t hex_size = 0;
   const char* name = nullptr;  // the name of an object identifier
   int unused_bits = -1;        // for a BIT STRING
   void Value(std::string v) {
     value = std::move(v);
+    has_value = true;
+  }
+  // HexValue: octets in hex, written straight into the output.
+  void HexValue(const unsigned char* octets, std::size_t size) {
+    hex = octets;
+    hex_size = size;
     has_value = true;
   }
 };
@@ -50,7 +58,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
     // Tagged primitives are shown as text when every octet is printable (such as
     // the URIs of a general name), otherwise as hex.
     if (json) {
-      d.Value(ToHex(p, n));
+      d.HexValue(p, n);
       return d;
     }
     bool printable = n > 0;
@@ -64,7 +72,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
         d.text = p[0] ? "TRUE" : "FALSE";
         if (json) d.Value(d.text);
       } else if (json) {
-        d.Value(ToHex(p, n));
+        d.HexValue(p, n);
       } else {
         d.text = HexTextUpTo(p, n, octets) + " (bad BOOLEAN length)";
       }
@@ -81,7 +89,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       }
       d.unused_bits = p[0];
       if (json) {
-        d.Value(ToHex(p + 1, n - 1));
+        d.HexValue(p + 1, n - 1);
         return d;
       }
       d.text = "(" + std::to_string(p[0]) + " unused bit" + (p[0] == 1 ? "" : "s") + ")";
@@ -93,7 +101,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
       return d;
     case 4:
       if (json) {
-        d.Value(ToHex(p, n));
+        d.HexValue(p, n);
       } else {
         d.text = e.encapsulates ? "encapsulates" : HexTextUpTo(p, n, octets);
       }
@@ -162,7 +170,7 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
           d.text = QuoteString(p, n, e.tag == 12);
         }
       } else if (json) {
-        d.Value(ToHex(p, n));
+        d.HexValue(p, n);
       } else {
         d.text = HexTextUpTo(p, n, octets);
       }
@@ -191,11 +199,11 @@ void AppendTypeName(std::string* out, const Element& e) {
 // the shortest form (BER), so that encode can write the input back as it was.
 void AddOriginalHeader(const Element& e, const unsigned char* data, JsonObject* object) {
   if (e.end_of_contents) return;
-  const Bytes minimal = MinimalHeader(e.tag_class, e.constructed, e.tag, e.indefinite, e.length);
+  unsigned char minimal[kMaxHeader];
+  const std::size_t size = MinimalHeader(e.tag_class, e.constructed, e.tag, e.indefinite, e.length, minimal);
   const unsigned char* header = data + e.offset;
-  if (minimal.size() != e.header_length ||
-      !std::equal(minimal.begin(), minimal.end(), header)) {
-    object->String("header", ToHex(header, e.header_length));
+  if (size != e.header_length || !std::equal(minimal, minimal + size, header)) {
+    object->Hex("header", header, e.header_length);
   }
 }
 
@@ -213,21 +221,25 @@ void AddElementMembers(JsonObject* object, const Element& e, const unsigned char
   object->String("class", ClassName(e.tag_class));
   object->Bool("constructed", e.constructed);
   object->Number("tag", e.tag);
-  std::string type;
+  // Type names need no escaping.
+  std::string& type = object->Key("type");
+  type.push_back('"');
   AppendTypeName(&type, e);
-  object->String("type", type);
+  type.push_back('"');
   if (e.constructed) {
     object->Null("value");
   } else {
     const Described d = Describe(e, data, 0, true);
-    if (d.has_value) {
+    if (d.hex != nullptr) {
+      object->Hex("value", d.hex, d.hex_size);
+    } else if (d.has_value) {
       object->String("value", d.value);
     } else {
       object->Null("value");
     }
     if (d.name != nullptr) object->String("name", d.name);
     if (d.unused_bits >= 0) object->Number("unused_bits", static_cast<unsigned int>(d.unused_bits));
-    object->String("hex", ToHex(data + e.offset + e.header_length, e.length));
+    object->Hex("hex", data + e.offset + e.header_length, e.length);
   }
   if (e.encapsulated) object->Bool("encapsulated", true);
   AddOriginalHeader(e, data, object);
@@ -244,15 +256,14 @@ void AddElementMembers(JsonObject* object, const Element& e, const unsigned char
       finding.String("message", f->message);
       finding.Close();
     }
-    list.push_back('\n');
-    list.append(object->inner(), ' ');
+    AppendIndent(&list, object->inner());
     list.push_back(']');
   }
 }
 
 bool PrimitiveValue(const Element& e, const unsigned char* data, std::string* value) {
   Described d = Describe(e, data, 0, true);
-  value->swap(d.value);
+  *value = d.hex != nullptr ? ToHex(d.hex, d.hex_size) : std::move(d.value);
   return d.has_value;
 }
 

@@ -19,9 +19,12 @@ class PrinterBase : public Printer {
  public:
   PrinterBase(const PrintOptions& options, const unsigned char* data, std::ostream& out,
               std::function<void(std::size_t)> progress)
-      : options_(options), data_(data), out_(out), progress_(std::move(progress)) {}
+      : options_(options), data_(data), out_(out), progress_(std::move(progress)) {
+    text_.reserve(kEmitSize * 2);
+  }
 
  protected:
+  static constexpr std::size_t kEmitSize = 64u << 10;
   // Shifted is the element with its offset counted from the start of the input.
   Element Shifted(const Element& e) {
     Element shifted = e;
@@ -33,7 +36,7 @@ class PrinterBase : public Printer {
   // Emit writes what the buffer holds once there is enough of it (`all`: whatever
   // it holds), so that the stream is written in large pieces.
   void Emit(bool all = false) {
-    if (!all && text_.size() < (64u << 10)) return;
+    if (!all && text_.size() < kEmitSize) return;
     out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
     text_.clear();
   }
@@ -114,13 +117,9 @@ class JsonPrinter : public PrinterBase {
   void Close() {
     const std::size_t indent = open_.back();
     open_.pop_back();
-    if (!first_) {
-      text_.push_back('\n');
-      text_.append(indent + 2, ' ');
-    }
+    if (!first_) AppendIndent(&text_, indent + 2);
     text_.push_back(']');
-    text_.push_back('\n');
-    text_.append(indent, ' ');
+    AppendIndent(&text_, indent);
     text_.push_back('}');
     first_ = false;
     Emit();

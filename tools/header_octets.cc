@@ -5,27 +5,27 @@
 namespace keyasn {
 namespace tool {
 
-Bytes MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag, bool indefinite,
-                    std::size_t length) {
-  Bytes out;
+std::size_t MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag,
+                          bool indefinite, std::size_t length, unsigned char* out) {
+  std::size_t size = 0;
   const unsigned char first = static_cast<unsigned char>((tag_class & 0xC0) | (constructed ? 0x20 : 0));
   if (tag < 31) {
-    out.push_back(static_cast<unsigned char>(first | tag));
+    out[size++] = static_cast<unsigned char>(first | tag);
   } else {
-    out.push_back(static_cast<unsigned char>(first | 0x1F));
+    out[size++] = static_cast<unsigned char>(first | 0x1F);
     unsigned char groups[5];
     int n = 0;
     do {
       groups[n++] = static_cast<unsigned char>(tag & 0x7F);
       tag >>= 7;
     } while (tag != 0);
-    while (n > 1) out.push_back(static_cast<unsigned char>(groups[--n] | 0x80));
-    out.push_back(groups[0]);
+    while (n > 1) out[size++] = static_cast<unsigned char>(groups[--n] | 0x80);
+    out[size++] = groups[0];
   }
   if (indefinite) {
-    out.push_back(0x80);
+    out[size++] = 0x80;
   } else if (length < 0x80) {
-    out.push_back(static_cast<unsigned char>(length));
+    out[size++] = static_cast<unsigned char>(length);
   } else {
     unsigned char octets[sizeof(std::size_t)];
     int n = 0;
@@ -33,10 +33,17 @@ Bytes MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag,
       octets[n++] = static_cast<unsigned char>(length & 0xFF);
       length >>= 8;
     }
-    out.push_back(static_cast<unsigned char>(0x80 | n));
-    while (n > 0) out.push_back(octets[--n]);
+    out[size++] = static_cast<unsigned char>(0x80 | n);
+    while (n > 0) out[size++] = octets[--n];
   }
-  return out;
+  return size;
+}
+
+Bytes MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag, bool indefinite,
+                    std::size_t length) {
+  unsigned char octets[kMaxHeader];
+  const std::size_t size = MinimalHeader(tag_class, constructed, tag, indefinite, length, octets);
+  return Bytes(octets, octets + size);
 }
 
 bool ParseHeader(const Bytes& header, HeaderFields* fields) {

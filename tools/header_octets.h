@@ -15,6 +15,14 @@ namespace tool {
 Bytes MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag, bool indefinite,
                     std::size_t length);
 
+// The most octets a header takes: a tag number of 32 bits and a length of 64.
+constexpr std::size_t kMaxHeader = 16;
+
+// MinimalHeader into `out` (kMaxHeader octets of room), for the dump's every
+// element: returns how many octets it wrote.
+std::size_t MinimalHeader(unsigned char tag_class, bool constructed, unsigned int tag,
+                          bool indefinite, std::size_t length, unsigned char* out);
+
 // HeaderFields is what identifier and length octets say.
 struct HeaderFields {
   unsigned char tag_class = 0;

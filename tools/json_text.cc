@@ -90,25 +90,47 @@ void AppendJsonNumber(std::string* out, std::uint64_t value) {
   out->append(digits, Decimal(value, digits));
 }
 
-void JsonItem(std::string* out, bool first, std::size_t indent) {
-  out->append(first ? "\n" : ",\n");
-  out->append(indent, ' ');
+namespace {
+
+// Grow lengthens `out` by `size` spaces and returns where they start: one call
+// for each of the many small pieces dump --json writes, mostly indentation.
+char* Grow(std::string* out, std::size_t size) {
+  const std::size_t at = out->size();
+  out->append(size, ' ');
+  return &(*out)[at];
 }
 
-std::string& JsonObject::Key(const char* key) {
-  JsonItem(out_, empty_, indent_ + 2);
+// Indented writes a line end before `indent` spaces (already there) at `p`;
+// returns what follows them.
+char* Indented(char* p, std::size_t indent) {
+  *p = '\n';
+  return p + 1 + indent;
+}
+
+}  // namespace
+
+void JsonItem(std::string* out, bool first, std::size_t indent) {
+  char* p = Grow(out, (first ? 0 : 1) + 1 + indent);
+  if (!first) *p++ = ',';
+  Indented(p, indent);
+}
+
+void AppendIndent(std::string* out, std::size_t indent) { Indented(Grow(out, 1 + indent), indent); }
+
+std::string& JsonObject::Member(const char* key, std::size_t size) {
+  const std::size_t indent = indent_ + 2;
+  char* p = Grow(out_, (empty_ ? 0 : 1) + 1 + indent + 1 + size + 3);
+  if (!empty_) *p++ = ',';
   empty_ = false;
-  out_->push_back('"');
-  out_->append(key);
-  out_->append("\": ");
+  p = Indented(p, indent);
+  *p++ = '"';
+  std::memcpy(p, key, size);
+  std::memcpy(p + size, "\": ", 3);
   return *out_;
 }
 
 void JsonObject::Close() {
-  if (!empty_) {
-    out_->push_back('\n');
-    out_->append(indent_, ' ');
-  }
+  if (!empty_) AppendIndent(out_, indent_);
   out_->push_back('}');
 }
 

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+#include "common.h"
+
 namespace keyasn {
 namespace tool {
 
@@ -28,24 +30,56 @@ void AppendJsonNumber(std::string* out, std::uint64_t value);
 // comma unless it is the first, then a new line.
 void JsonItem(std::string* out, bool first, std::size_t indent);
 
+// AppendIndent starts a new line `indent` spaces in.
+void AppendIndent(std::string* out, std::size_t indent);
+
 // JsonObject appends the members of one object, the braces `indent` spaces in.
 class JsonObject {
  public:
   // The opening brace is appended at once.
   JsonObject(std::string* out, std::size_t indent) : out_(out), indent_(indent) { out_->push_back('{'); }
-  // Key starts a member, the caller appending its value to what it returns.
-  std::string& Key(const char* key);
-  void String(const char* key, const std::string& value) { AppendJsonString(&Key(key), value); }
-  void String(const char* key, const char* value) { AppendJsonString(&Key(key), value); }
-  void Number(const char* key, std::uint64_t value) { AppendJsonNumber(&Key(key), value); }
-  void Bool(const char* key, bool value) { Key(key) += value ? "true" : "false"; }
-  void Null(const char* key) { Key(key) += "null"; }
+  // Key starts a member (its name a literal that needs no escaping), the caller
+  // appending its value to what it returns.
+  template <std::size_t N>
+  std::string& Key(const char (&key)[N]) {
+    return Member(key, N - 1);
+  }
+  template <std::size_t N>
+  void String(const char (&key)[N], const std::string& value) {
+    AppendJsonString(&Key(key), value);
+  }
+  template <std::size_t N>
+  void String(const char (&key)[N], const char* value) {
+    AppendJsonString(&Key(key), value);
+  }
+  // Hex: a string of the octets in hex, which needs no escaping.
+  template <std::size_t N>
+  void Hex(const char (&key)[N], const unsigned char* data, std::size_t size) {
+    std::string& out = Key(key);
+    out.push_back('"');
+    AppendHex(&out, data, size);
+    out.push_back('"');
+  }
+  template <std::size_t N>
+  void Number(const char (&key)[N], std::uint64_t value) {
+    AppendJsonNumber(&Key(key), value);
+  }
+  template <std::size_t N>
+  void Bool(const char (&key)[N], bool value) {
+    Key(key) += value ? "true" : "false";
+  }
+  template <std::size_t N>
+  void Null(const char (&key)[N]) {
+    Key(key) += "null";
+  }
   // Close appends the closing brace on a line of its own ("{}" when empty).
   void Close();
   // The indentation of the members (and of the brackets of an array value).
   std::size_t inner() const { return indent_ + 2; }
 
  private:
+  std::string& Member(const char* key, std::size_t size);
+
   std::string* out_;
   std::size_t indent_;
   bool empty_ = true;

@@ -87,8 +87,7 @@ class FindingWriter {
       JsonItem(&list, i + 1 == path.size(), object.inner() + 2);
       AppendJsonNumber(&list, path[i]);
     }
-    list.push_back('\n');
-    list.append(object.inner(), ' ');
+    AppendIndent(&list, object.inner());
     list.push_back(']');
     object.Close();
   }

@@ -1,5 +1,6 @@
 #include "values.h"
 
+#include <charconv>
 #include <cstdio>
 
 namespace keyasn {
@@ -15,14 +16,7 @@ std::string HexTextUpTo(const unsigned char* data, std::size_t size, std::size_t
 }
 
 std::size_t Decimal(uint64_t value, char* digits) {
-  char reversed[20];
-  std::size_t n = 0;
-  do {
-    reversed[n++] = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  for (std::size_t i = 0; i < n; ++i) digits[i] = reversed[n - 1 - i];
-  return n;
+  return static_cast<std::size_t>(std::to_chars(digits, digits + 20, value).ptr - digits);
 }
 
 std::string IntegerText(const unsigned char* data, std::size_t size, bool full) {
