@@ -3,20 +3,17 @@
 namespace keyasn {
 namespace tool {
 
-void AppendHex(std::string* out, const unsigned char* data, std::size_t size) {
+void HexDigits(const unsigned char* data, std::size_t size, char* out) {
   static const char kDigits[] = "0123456789ABCDEF";
-  const std::size_t at = out->size();
-  out->resize(at + size * 2);
-  char* text = &(*out)[at];
   for (std::size_t i = 0; i < size; ++i) {
-    text[2 * i] = kDigits[data[i] >> 4];
-    text[2 * i + 1] = kDigits[data[i] & 0x0F];
+    out[2 * i] = kDigits[data[i] >> 4];
+    out[2 * i + 1] = kDigits[data[i] & 0x0F];
   }
 }
 
 std::string ToHex(const unsigned char* data, std::size_t size) {
-  std::string text;
-  AppendHex(&text, data, size);
+  std::string text(2 * size, '\0');
+  HexDigits(data, size, &text[0]);
   return text;
 }
 

@@ -36,7 +36,8 @@ class ToolError : public std::runtime_error {
 
 // ToHex writes `size` octets as upper-case hex digits, no separators.
 std::string ToHex(const unsigned char* data, std::size_t size);
-void AppendHex(std::string* out, const unsigned char* data, std::size_t size);
+// HexDigits writes the 2 * `size` digits of ToHex at `out`.
+void HexDigits(const unsigned char* data, std::size_t size, char* out);
 inline std::string ToHex(const Bytes& bytes) { return ToHex(bytes.data(), bytes.size()); }
 
 // ParseHex reads hex digits (either case); white space and ':' between octets are

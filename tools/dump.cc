@@ -179,14 +179,14 @@ Described Describe(const Element& e, const unsigned char* data, std::size_t octe
 }
 
 // AppendRight appends `text` right-aligned in `width` columns (wider text as it is).
-void AppendRight(std::string* out, const char* text, std::size_t size, std::size_t width) {
+void AppendRight(OutText* out, const char* text, std::size_t size, std::size_t width) {
   if (size < width) out->append(width - size, ' ');
   out->append(text, size);
 }
 
 // AppendTypeName appends the element's type name without building a string for
 // the universal names.
-void AppendTypeName(std::string* out, const Element& e) {
+void AppendTypeName(OutText* out, const Element& e) {
   const char* name = e.end_of_contents ? "EOC" : (e.tag_class & 0xC0) == 0 ? UniversalName(e.tag) : nullptr;
   if (name != nullptr) {
     out->append(name);
@@ -222,7 +222,7 @@ void AddElementMembers(JsonObject* object, const Element& e, const unsigned char
   object->Bool("constructed", e.constructed);
   object->Number("tag", e.tag);
   // Type names need no escaping.
-  std::string& type = object->Key("type");
+  OutText& type = object->Key("type");
   type.push_back('"');
   AppendTypeName(&type, e);
   type.push_back('"');
@@ -244,7 +244,7 @@ void AddElementMembers(JsonObject* object, const Element& e, const unsigned char
   if (e.encapsulated) object->Bool("encapsulated", true);
   AddOriginalHeader(e, data, object);
   if (marks != nullptr && !marks->empty()) {
-    std::string& list = object->Key("findings");
+    OutText& list = object->Key("findings");
     list.push_back('[');
     bool first = true;
     for (const Finding* f : *marks) {
@@ -299,16 +299,15 @@ std::string TypeName(unsigned char tag_class, unsigned int tag) {
 void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostream& out) {
   const LintResult lint = Lint(tree, data);
   const std::vector<Marks> findings = FindingsOf(tree, lint);
-  std::string line;
+  OutText text;
   for (std::size_t index = 0; index < tree.elements.size(); ++index) {
-    line.clear();
-    AppendElementLine(&line, tree.elements[index], data, full ? 0 : kShortOctets, &findings[index]);
-    line.push_back('\n');
-    out << line;
+    AppendElementLine(&text, tree.elements[index], data, full ? 0 : kShortOctets, &findings[index]);
+    text.push_back('\n');
   }
+  out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
-void AppendElementLine(std::string* line, const Element& e, const unsigned char* data,
+void AppendElementLine(OutText* line, const Element& e, const unsigned char* data,
                        std::size_t octets, const Marks* marks) {
   // The columns as printf's "%6zu %2u %6s %s " would write them, without its
   // cost on every line.

@@ -40,7 +40,7 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
 
 // AppendElementLine appends the text line of one element (without the line end),
 // octets shortened past `octets` (0: never), ending with "  ! RULE" per mark.
-void AppendElementLine(std::string* line, const Element& element, const unsigned char* data,
+void AppendElementLine(OutText* line, const Element& element, const unsigned char* data,
                        std::size_t octets, const Marks* marks = nullptr);
 
 // AddElementMembers writes the members of one element's JSON object, all but its

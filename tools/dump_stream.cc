@@ -19,9 +19,7 @@ class PrinterBase : public Printer {
  public:
   PrinterBase(const PrintOptions& options, const unsigned char* data, std::ostream& out,
               std::function<void(std::size_t)> progress)
-      : options_(options), data_(data), out_(out), progress_(std::move(progress)) {
-    text_.reserve(kEmitSize * 2);
-  }
+      : options_(options), data_(data), out_(out), progress_(std::move(progress)) {}
 
  protected:
   static constexpr std::size_t kEmitSize = 64u << 10;
@@ -45,7 +43,7 @@ class PrinterBase : public Printer {
   const unsigned char* data_;
   std::ostream& out_;
   std::function<void(std::size_t)> progress_;
-  std::string text_;  // output not yet written
+  OutText text_;  // output not yet written
 };
 
 class TextPrinter : public PrinterBase {

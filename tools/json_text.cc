@@ -35,7 +35,7 @@ std::size_t BrokenPrefix(const unsigned char* p, std::size_t left) {
 
 }  // namespace
 
-void AppendJsonString(std::string* out, const char* text, std::size_t size) {
+void AppendJsonString(OutText* out, const char* text, std::size_t size) {
   static const char kHex[] = "0123456789abcdef";
   const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
   out->push_back('"');
@@ -81,45 +81,46 @@ void AppendJsonString(std::string* out, const char* text, std::size_t size) {
   out->push_back('"');
 }
 
-void AppendJsonString(std::string* out, const char* text) {
+void AppendJsonString(OutText* out, const char* text) {
   AppendJsonString(out, text, std::strlen(text));
 }
 
-void AppendJsonNumber(std::string* out, std::uint64_t value) {
+void AppendJsonNumber(OutText* out, std::uint64_t value) {
   char digits[20];
   out->append(digits, Decimal(value, digits));
 }
 
 namespace {
 
-// Grow lengthens `out` by `size` spaces and returns where they start: one call
-// for each of the many small pieces dump --json writes, mostly indentation.
-char* Grow(std::string* out, std::size_t size) {
-  const std::size_t at = out->size();
-  out->append(size, ' ');
-  return &(*out)[at];
-}
-
-// Indented writes a line end before `indent` spaces (already there) at `p`;
-// returns what follows them.
+// Indented writes a line end and `indent` spaces at `p`; returns what follows.
 char* Indented(char* p, std::size_t indent) {
-  *p = '\n';
-  return p + 1 + indent;
+  *p++ = '\n';
+  std::memset(p, ' ', indent);
+  return p + indent;
 }
 
 }  // namespace
 
-void JsonItem(std::string* out, bool first, std::size_t indent) {
-  char* p = Grow(out, (first ? 0 : 1) + 1 + indent);
+void OutText::Reserve(std::size_t size) {
+  std::size_t capacity = capacity_ == 0 ? kStart : capacity_;
+  while (capacity < size) capacity *= 2;
+  std::unique_ptr<char[]> data(new char[capacity]);
+  if (size_ > 0) std::memcpy(data.get(), data_.get(), size_);
+  data_ = std::move(data);
+  capacity_ = capacity;
+}
+
+void JsonItem(OutText* out, bool first, std::size_t indent) {
+  char* p = out->Grow((first ? 0 : 1) + 1 + indent);
   if (!first) *p++ = ',';
   Indented(p, indent);
 }
 
-void AppendIndent(std::string* out, std::size_t indent) { Indented(Grow(out, 1 + indent), indent); }
+void AppendIndent(OutText* out, std::size_t indent) { Indented(out->Grow(1 + indent), indent); }
 
-std::string& JsonObject::Member(const char* key, std::size_t size) {
+OutText& JsonObject::Member(const char* key, std::size_t size) {
   const std::size_t indent = indent_ + 2;
-  char* p = Grow(out_, (empty_ ? 0 : 1) + 1 + indent + 1 + size + 3);
+  char* p = out_->Grow((empty_ ? 0 : 1) + 1 + indent + 1 + size + 3);
   if (!empty_) *p++ = ',';
   empty_ = false;
   p = Indented(p, indent);

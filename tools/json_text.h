@@ -7,6 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <string>
 
 #include "common.h"
@@ -14,34 +16,73 @@
 namespace keyasn {
 namespace tool {
 
+// OutText is output being built from many small pieces: the appends of a
+// std::string, inline and without its zero fill when it grows.
+class OutText {
+ public:
+  OutText() { Reserve(kStart); }
+  // Grow lengthens the text by `size` octets (unset) and returns where they go.
+  char* Grow(std::size_t size) {
+    if (size > capacity_ - size_) Reserve(size_ + size);
+    char* at = data_.get() + size_;
+    size_ += size;
+    return at;
+  }
+  void append(const char* text, std::size_t size) { std::memcpy(Grow(size), text, size); }
+  void append(const char* text) { append(text, std::strlen(text)); }
+  void append(const std::string& text) { append(text.data(), text.size()); }
+  void append(std::size_t count, char c) { std::memset(Grow(count), c, count); }
+  void push_back(char c) { *Grow(1) = c; }
+  OutText& operator+=(const char* text) {
+    append(text);
+    return *this;
+  }
+  OutText& operator+=(const std::string& text) {
+    append(text);
+    return *this;
+  }
+  const char* data() const { return data_.get(); }
+  std::size_t size() const { return size_; }
+  void clear() { size_ = 0; }
+  std::string str() const { return std::string(data(), size()); }
+
+ private:
+  static constexpr std::size_t kStart = 128u << 10;
+  void Reserve(std::size_t size);
+
+  std::unique_ptr<char[]> data_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
+};
+
 // AppendJsonString appends `text` as a quoted JSON string: \" \\ \b \f \n \r \t,
 // \u00xx for the other control characters, valid UTF-8 as it is, and U+FFFD for
 // each sequence that is not valid UTF-8 (its octets up to the one that breaks it).
-void AppendJsonString(std::string* out, const char* text, std::size_t size);
-inline void AppendJsonString(std::string* out, const std::string& text) {
+void AppendJsonString(OutText* out, const char* text, std::size_t size);
+inline void AppendJsonString(OutText* out, const std::string& text) {
   AppendJsonString(out, text.data(), text.size());
 }
-void AppendJsonString(std::string* out, const char* text);
+void AppendJsonString(OutText* out, const char* text);
 
 // AppendJsonNumber appends an unsigned decimal number.
-void AppendJsonNumber(std::string* out, std::uint64_t value);
+void AppendJsonNumber(OutText* out, std::uint64_t value);
 
 // JsonItem starts an item of an array whose items are `indent` spaces in: a
 // comma unless it is the first, then a new line.
-void JsonItem(std::string* out, bool first, std::size_t indent);
+void JsonItem(OutText* out, bool first, std::size_t indent);
 
 // AppendIndent starts a new line `indent` spaces in.
-void AppendIndent(std::string* out, std::size_t indent);
+void AppendIndent(OutText* out, std::size_t indent);
 
 // JsonObject appends the members of one object, the braces `indent` spaces in.
 class JsonObject {
  public:
   // The opening brace is appended at once.
-  JsonObject(std::string* out, std::size_t indent) : out_(out), indent_(indent) { out_->push_back('{'); }
+  JsonObject(OutText* out, std::size_t indent) : out_(out), indent_(indent) { out_->push_back('{'); }
   // Key starts a member (its name a literal that needs no escaping), the caller
   // appending its value to what it returns.
   template <std::size_t N>
-  std::string& Key(const char (&key)[N]) {
+  OutText& Key(const char (&key)[N]) {
     return Member(key, N - 1);
   }
   template <std::size_t N>
@@ -55,9 +96,9 @@ class JsonObject {
   // Hex: a string of the octets in hex, which needs no escaping.
   template <std::size_t N>
   void Hex(const char (&key)[N], const unsigned char* data, std::size_t size) {
-    std::string& out = Key(key);
+    OutText& out = Key(key);
     out.push_back('"');
-    AppendHex(&out, data, size);
+    HexDigits(data, size, out.Grow(2 * size));
     out.push_back('"');
   }
   template <std::size_t N>
@@ -78,9 +119,9 @@ class JsonObject {
   std::size_t inner() const { return indent_ + 2; }
 
  private:
-  std::string& Member(const char* key, std::size_t size);
+  OutText& Member(const char* key, std::size_t size);
 
-  std::string* out_;
+  OutText* out_;
   std::size_t indent_;
   bool empty_ = true;
 };

@@ -81,7 +81,7 @@ class FindingWriter {
     } else {
       for (int i = f.element; i >= 0; i = tree.elements[i].parent) path.push_back(tree.elements[i].offset);
     }
-    std::string& list = object.Key("path");
+    OutText& list = object.Key("path");
     list.push_back('[');
     for (std::size_t i = path.size(); i-- > 0;) {
       JsonItem(&list, i + 1 == path.size(), object.inner() + 2);
@@ -98,7 +98,7 @@ class FindingWriter {
 
   bool json_;
   std::ostream& out_;
-  std::string text_;  // output not yet written
+  OutText text_;  // output not yet written
   std::size_t total_ = 0;
   std::size_t errors_ = 0;
 };

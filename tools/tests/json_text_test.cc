@@ -18,9 +18,9 @@ std::string Reference(const std::string& text) {
 }
 
 std::string Written(const std::string& text) {
-  std::string out;
+  OutText out;
   AppendJsonString(&out, text);
-  return out;
+  return out.str();
 }
 
 TEST(JsonTextTest, StringsAsNlohmannWritesThem) {
@@ -58,23 +58,25 @@ TEST(JsonTextTest, StringsAsNlohmannWritesThem) {
 }
 
 TEST(JsonTextTest, ObjectsAndItemsAsDumpLaysThemOut) {
-  std::string out = "[";
+  OutText out;
+  out.push_back('[');
   JsonItem(&out, true, 2);
   JsonObject object(&out, 2);
   object.Number("n", 18446744073709551615u);
   object.Null("none");
   object.Bool("yes", true);
-  std::string& list = object.Key("list");
+  OutText& list = object.Key("list");
   list.push_back('[');
   JsonItem(&list, true, object.inner() + 2);
   JsonObject empty(&list, object.inner() + 2);
   empty.Close();
-  list += "\n" + std::string(object.inner(), ' ') + "]";
+  AppendIndent(&list, object.inner());
+  list.push_back(']');
   object.String("s", "x");
   object.Close();
   out += "\n]";
-  const Json document = Json::parse(out);
-  EXPECT_EQ(out, document.dump(2));
+  const Json document = Json::parse(out.str());
+  EXPECT_EQ(out.str(), document.dump(2));
 }
 
 }  // namespace
