@@ -2,7 +2,9 @@
 # The tool's behaviour at its edges: help and version, exit statuses, messages
 # naming the file and the fault, standard input, the input forms, and malformed
 # input of every kind (exit 2, the tree up to the damage, never a crash).
-# Usage: cli_test.sh KEYASN SOURCE_DIR
+# Usage: cli_test.sh KEYASN SOURCE_DIR [CA_BUNDLE]  (with CA_BUNDLE: the peak
+# memory of dump --json and lint on 64 MiB of its certificates, on builds
+# without sanitizers)
 set -uo pipefail
 keyasn=$1
 cd "$2"
@@ -218,6 +220,29 @@ run 2 lint "$work/damaged.hex" && {
 }
 run 2 lint "$work/deep.hex" && err_has "nesting deeper than 100 levels"
 run 2 lint - < /dev/null && err_is "keyasn: <stdin>: empty input"
+
+# Memory follows the largest top-level element, not the input: 64 MiB of
+# certificates through dump --json and lint stay far below the input's size.
+bundle=${3:-}
+if [ -n "$bundle" ] && [ -x /usr/bin/time ]; then
+  awk -v dir="$work" '/-----BEGIN CERTIFICATE-----/ { n++; on = 1; next }
+                      /-----END CERTIFICATE-----/ { on = 0 }
+                      on { print > (dir "/cert" n ".b64") }' "$bundle"
+  for b64 in "$work"/cert*.b64; do base64 -d "$b64"; done > "$work/big.der"
+  rm -f "$work"/cert*.b64
+  while [ "$(stat -c %s "$work/big.der")" -lt $((64 << 20)) ]; do
+    cat "$work/big.der" "$work/big.der" > "$work/twice.der" && mv "$work/twice.der" "$work/big.der"
+  done
+  for command in "dump --json" lint; do
+    checks=$((checks + 1))
+    # shellcheck disable=SC2086  # the command's words
+    /usr/bin/time -f "%M" -o "$work/peak" "$keyasn" $command "$work/big.der" > /dev/null 2> "$work/err" ||
+      fail "keyasn $command of 64 MiB of certificates: $(head -3 "$work/err")"
+    [ "$(cat "$work/peak")" -lt $((32 << 10)) ] ||
+      fail "keyasn $command of 64 MiB of certificates peaked at $(cat "$work/peak") KiB"
+  done
+  rm -f "$work/big.der"
+fi
 
 if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
 echo "$checks behaviour checks passed"
