@@ -22,7 +22,6 @@ class PrinterBase : public Printer {
       : options_(options), data_(data), out_(out), progress_(std::move(progress)) {}
 
  protected:
-  static constexpr std::size_t kEmitSize = 64u << 10;
   // Shifted is the element with its offset counted from the start of the input.
   Element Shifted(const Element& e) {
     Element shifted = e;
@@ -31,13 +30,8 @@ class PrinterBase : public Printer {
     return shifted;
   }
   static bool HasChildren(const Element& e) { return e.constructed || e.encapsulates; }
-  // Emit writes what the buffer holds once there is enough of it (`all`: whatever
-  // it holds), so that the stream is written in large pieces.
-  void Emit(bool all = false) {
-    if (!all && text_.size() < kEmitSize) return;
-    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
-    text_.clear();
-  }
+  // Emit writes the output once there is enough of it (`all`: whatever there is).
+  void Emit(bool all = false) { text_.Emit(out_, all ? 0 : OutText::kPiece); }
 
   PrintOptions options_;
   const unsigned char* data_;

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include "common.h"
@@ -16,10 +17,12 @@
 namespace keyasn {
 namespace tool {
 
-// OutText is output being built from many small pieces: the appends of a
-// std::string, inline and without its zero fill when it grows.
+// OutText is output being built from many small pieces (JSON or the text
+// lines): the appends of a std::string, inline and without its zero fill when
+// it grows.
 class OutText {
  public:
+  static constexpr std::size_t kPiece = 64u << 10;  // written at once, at least
   OutText() { Reserve(kStart); }
   // Grow lengthens the text by `size` octets (unset) and returns where they go.
   char* Grow(std::size_t size) {
@@ -44,6 +47,13 @@ class OutText {
   const char* data() const { return data_.get(); }
   std::size_t size() const { return size_; }
   void clear() { size_ = 0; }
+  // Emit writes the text to `out` and empties it once it holds `at_least`
+  // octets (kPiece, so that a stream is written in large pieces).
+  void Emit(std::ostream& out, std::size_t at_least = 0) {
+    if (size_ < at_least) return;
+    out.write(data(), static_cast<std::streamsize>(size_));
+    size_ = 0;
+  }
   std::string str() const { return std::string(data(), size()); }
 
  private:

@@ -44,7 +44,7 @@ class FindingWriter {
       text_.push_back('\n');
     }
     ++total_;
-    if (text_.size() >= (64u << 10)) Emit();
+    text_.Emit(out_, OutText::kPiece);
   }
 
   // End closes the array, or writes the summary line unless the input is
@@ -60,7 +60,7 @@ class FindingWriter {
       text_ += Plural(total_, "finding") + " (" + Plural(errors_, "error") + ", " +
                Plural(total_ - errors_, "note") + ")\n";
     }
-    Emit();
+    text_.Emit(out_);
   }
 
   std::size_t errors() const { return errors_; }
@@ -90,10 +90,6 @@ class FindingWriter {
     AppendIndent(&list, object.inner());
     list.push_back(']');
     object.Close();
-  }
-  void Emit() {
-    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
-    text_.clear();
   }
 
   bool json_;
