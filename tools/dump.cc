@@ -233,6 +233,10 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
   }
 }
 
+std::string ValueText(const Element& e, const unsigned char* data, std::size_t octets) {
+  return e.constructed ? std::string() : Describe(e, data, octets).text;
+}
+
 std::string ElementLine(const Element& e, const unsigned char* data, std::size_t octets,
                         const Marks* marks) {
   {
@@ -244,8 +248,8 @@ std::string ElementLine(const Element& e, const unsigned char* data, std::size_t
     line.append(static_cast<std::size_t>(e.depth) * 2, ' ');
     line += e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag);
     if (!e.constructed) {
-      const Described d = Describe(e, data, octets);
-      if (!d.text.empty()) line += " " + d.text;
+      const std::string value = ValueText(e, data, octets);
+      if (!value.empty()) line += " " + value;
     }
     if (marks != nullptr) {
       for (const Finding* f : *marks) line += std::string("  ! ") + f->rule;

@@ -42,6 +42,10 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
 std::string ElementLine(const Element& element, const unsigned char* data, std::size_t octets,
                         const Marks* marks = nullptr);
 
+// ValueText is the readable value of a primitive as its text line shows it,
+// octets shortened past `octets` (0: never); empty when there is none.
+std::string ValueText(const Element& element, const unsigned char* data, std::size_t octets);
+
 // ElementFields is the JSON object of one element without its "children", with a
 // "findings" array when there are marks.
 Json ElementFields(const Element& element, const unsigned char* data,

@@ -46,6 +46,12 @@ std::unique_ptr<Printer> MakePrinter(const PrintOptions& options, const unsigned
                                      std::ostream& out,
                                      std::function<void(std::size_t)> progress);
 
+// WithLint passes the elements of each top-level element on to `printer` once
+// that element is complete and linted, with its findings as marks; `data` and
+// `size` are the octets the walk reads.
+std::unique_ptr<Printer> WithLint(std::unique_ptr<Printer> printer, const unsigned char* data,
+                                  std::size_t size);
+
 }  // namespace tool
 }  // namespace keyasn
 
