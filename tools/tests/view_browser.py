@@ -137,9 +137,9 @@ class Browser:
         self.events = []
         self.call("Page.navigate", {"url": url})
         self.wait_event("Page.loadEventFired")
-        # The page's script runs before the load event; a round trip collects the
-        # events that came with it.
-        self.call("Runtime.evaluate", {"expression": "1"})
+        # The page's script runs before the load event; the round trip of this
+        # question collects the events that came with it.
+        ready = self.evaluate("document.body && document.body.getAttribute('data-ready-ms')")
         problems = []
         for event in self.events:
             method, params = event["method"], event.get("params", {})
@@ -157,7 +157,6 @@ class Browser:
                     problems.append("request: " + request_url)
             elif method == "Page.javascriptDialogOpening":
                 problems.append("dialog: " + params.get("message", ""))
-        ready = self.evaluate("document.body && document.body.getAttribute('data-ready-ms')")
         if ready is None:
             problems.append("the page's script did not finish")
         return problems
