@@ -22,80 +22,142 @@ namespace tool {
 namespace {
 
 // The flags of an element in the page's data (read by the page's script).
-enum : int {
-  kConstructed = 1,
-  kEncapsulated = 2,
-  kEncapsulates = 4,
-  kEndOfContents = 8,
-  kIndefinite = 16,
+constexpr unsigned int kConstructed = 1;
+constexpr unsigned int kEncapsulated = 2;
+constexpr unsigned int kEncapsulates = 4;
+constexpr unsigned int kEndOfContents = 8;
+constexpr unsigned int kIndefinite = 16;
+constexpr unsigned int kHasValue = 32;
+constexpr unsigned int kHasFindings = 64;
+
+// AppendNumber writes `value` 7 bits an octet, low bits first, the high bit set
+// on every octet but the last.
+void AppendNumber(std::size_t value, std::string* out) {
+  while (value >= 0x80) {
+    out->push_back(static_cast<char>(0x80 | (value & 0x7F)));
+    value >>= 7;
+  }
+  out->push_back(static_cast<char>(value));
+}
+
+// Table keeps each distinct text once and gives its index.
+class Table {
+ public:
+  std::size_t Index(const std::string& text) {
+    auto found = index_.find(text);
+    if (found != index_.end()) return found->second;
+    index_.emplace(text, texts_.size());
+    texts_.push_back(text);
+    return texts_.size() - 1;
+  }
+  const std::vector<std::string>& texts() const { return texts_; }
+
+ private:
+  std::map<std::string, std::size_t> index_;
+  std::vector<std::string> texts_;
 };
 
-// PageCollector keeps the elements of the walk (with their lint findings) in
-// the compact form of the page's data: arrays, type names given once.
+// PageCollector keeps the elements of the walk with their lint findings, small
+// enough that an input of many tiny elements still makes a page of a few octets
+// an element: numbers packed, each distinct text (type, value, findings) once.
 class PageCollector : public Printer {
  public:
   explicit PageCollector(const unsigned char* data) : data_(data) {}
 
   bool Enter(const Element& e) override {
-    const std::string type = e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag);
-    auto found = type_index_.find(type);
-    if (found == type_index_.end()) {
-      found = type_index_.emplace(type, types_.size()).first;
-      types_.push_back(type);
+    PageElement row;
+    row.offset = e.offset;
+    row.header_length = e.header_length;
+    row.length = e.length;
+    row.depth = e.depth;
+    row.type = types_.Index(e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag));
+    row.flags = (e.constructed ? kConstructed : 0) | (e.encapsulated ? kEncapsulated : 0) |
+                (e.encapsulates ? kEncapsulates : 0) | (e.end_of_contents ? kEndOfContents : 0) |
+                (e.indefinite ? kIndefinite : 0);
+    const std::string value = ValueText(e, data_, kShortOctets);
+    if (!value.empty()) {
+      row.flags |= kHasValue;
+      row.value = values_.Index(value);
     }
-    const int flags = (e.constructed ? kConstructed : 0) | (e.encapsulated ? kEncapsulated : 0) |
-                      (e.encapsulates ? kEncapsulates : 0) |
-                      (e.end_of_contents ? kEndOfContents : 0) | (e.indefinite ? kIndefinite : 0);
-    Json row = Json::array({e.offset, e.header_length, e.length, e.depth, found->second, flags,
-                            ValueText(e, data_, kShortOctets)});
     if (marks_ != nullptr && !marks_->empty()) {
       Json findings = Json::array();
       for (const Finding* f : *marks_) {
         findings.push_back(Json::array({f->rule, SeverityName(f->severity), f->message}));
       }
-      row.push_back(std::move(findings));
+      row.flags |= kHasFindings;
+      row.findings = findings_.Index(findings.dump(-1, ' ', false, Json::error_handler_t::replace));
     }
-    if (e.constructed || e.encapsulates) open_.push_back(rows_.size());
-    rows_.push_back(std::move(row));
-    elements_.push_back(e);
+    if (e.constructed || e.encapsulates) open_.push_back(elements_.size());
+    elements_.push_back(row);
     return true;
   }
   void Leave(const Element& e) override {
     // An indefinite length is known only now.
-    rows_[open_.back()][2] = e.length;
     elements_[open_.back()].length = e.length;
     open_.pop_back();
   }
   void Finish() override {}
 
-  Json TakeRows() { return std::move(rows_); }
-  Json Types() const { return Json(types_); }
-  const std::vector<Element>& elements() const { return elements_; }
+  const std::vector<PageElement>& elements() const { return elements_; }
+
+  // AddTo puts the elements into the page's data: "elements" packs, for each,
+  // its offset less the one before, header length, length, depth, type, flags,
+  // then the value and the findings when the flags say there are some.
+  void AddTo(Json* page) const {
+    std::string packed;
+    std::size_t previous = 0;
+    for (const PageElement& row : elements_) {
+      AppendNumber(row.offset - previous, &packed);
+      previous = row.offset;
+      AppendNumber(row.header_length, &packed);
+      AppendNumber(row.length, &packed);
+      AppendNumber(static_cast<std::size_t>(row.depth), &packed);
+      AppendNumber(row.type, &packed);
+      AppendNumber(row.flags, &packed);
+      if (row.flags & kHasValue) AppendNumber(row.value, &packed);
+      if (row.flags & kHasFindings) AppendNumber(row.findings, &packed);
+    }
+    (*page)["count"] = elements_.size();
+    (*page)["elements"] = Base64(packed.data(), packed.size());
+    (*page)["types"] = types_.texts();
+    (*page)["values"] = values_.texts();
+    Json findings = Json::array();
+    for (const std::string& list : findings_.texts()) findings.push_back(Json::parse(list));
+    (*page)["findings"] = std::move(findings);
+  }
+
+  static std::string Base64(const void* octets, std::size_t size) {
+    const unsigned char* begin = static_cast<const unsigned char*>(octets);
+    std::string text = EncodeBase64(Bytes(begin, begin + size));
+    text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
+    return text;
+  }
 
  private:
   const unsigned char* data_;
-  Json rows_ = Json::array();
-  std::vector<Element> elements_;
+  std::vector<PageElement> elements_;
   std::vector<std::size_t> open_;
-  std::vector<std::string> types_;
-  std::map<std::string, std::size_t> type_index_;
+  Table types_;
+  Table values_;
+  Table findings_;
 };
 
 bool SameAt(const unsigned char* at, std::size_t size, const Bytes& octets) {
   return size == octets.size() && std::memcmp(at, octets.data(), size) == 0;
 }
 
-bool Holds(const Element& e, const unsigned char* data, const Bytes& octets, bool whole) {
+bool Holds(const PageElement& e, const unsigned char* data, const Bytes& octets, bool whole) {
   if (whole) return SameAt(data + e.offset, e.header_length + e.length, octets);
-  if (e.constructed) return false;
+  if (e.flags & kConstructed) return false;
   const unsigned char* contents = data + e.offset + e.header_length;
   if (SameAt(contents, e.length, octets)) return true;
-  return e.tag_class == 0 && e.tag == 3 && e.length > 0 && SameAt(contents + 1, e.length - 1, octets);
+  // A BIT STRING's octets without the unused-bits count.
+  return data[e.offset] == 0x03 && e.length > 0 && SameAt(contents + 1, e.length - 1, octets);
 }
 
 }  // namespace
 
-int FindSource(const std::vector<Element>& elements, const unsigned char* data,
+int FindSource(const std::vector<PageElement>& elements, const unsigned char* data,
                const Bytes& octets, bool whole, std::size_t* cursor) {
   if (octets.empty()) return -1;
   const std::size_t count = elements.size();
@@ -109,7 +171,7 @@ int FindSource(const std::vector<Element>& elements, const unsigned char* data,
   return -1;
 }
 
-Json MemberLinks(const View& view, const std::vector<Element>& elements,
+Json MemberLinks(const View& view, const std::vector<PageElement>& elements,
                  const unsigned char* data) {
   Json members = Json::array();
   // Members come in the order of their encoding, so each search starts after
@@ -157,11 +219,8 @@ int RunView(const ViewRequest& request, std::ostream& out, std::ostream& err) {
 
   Json page;
   page["name"] = input->name();
-  std::string octets = EncodeBase64(Bytes(data, data + size));
-  octets.erase(std::remove(octets.begin(), octets.end(), '\n'), octets.end());
-  page["octets"] = std::move(octets);
-  page["types"] = collector->Types();
-  page["elements"] = collector->TakeRows();
+  page["octets"] = PageCollector::Base64(data, size);
+  collector->AddTo(&page);
   page["error"] = nullptr;
   if (walk.failed) {
     page["error"] = {{"offset", walk.error.offset}, {"text", WalkErrorText(walk.error)}};

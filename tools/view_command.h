@@ -33,16 +33,28 @@ struct ViewRequest {
 // and the error reported, with the exit status of malformed input.
 int RunView(const ViewRequest& request, std::ostream& out, std::ostream& err);
 
+// PageElement is what the page keeps of an element.
+struct PageElement {
+  std::size_t offset = 0;
+  std::size_t length = 0;
+  unsigned int header_length = 0;
+  int depth = 0;
+  std::size_t type = 0;      // index in the page's type names
+  unsigned int flags = 0;    // constructed, encapsulated, ... (see view_command.cc)
+  std::size_t value = 0;     // index in the page's values, when it has one
+  std::size_t findings = 0;  // index in the page's finding lists, when it has some
+};
+
 // FindSource is the index in `elements` of the element whose octets a member
 // holds: its whole encoding when `whole`, else its contents (of a BIT STRING,
 // also without the unused-bits octet). The search starts at `*cursor`, goes on
 // from the start, and moves `*cursor` past a match; -1 when none matches.
-int FindSource(const std::vector<Element>& elements, const unsigned char* data,
+int FindSource(const std::vector<PageElement>& elements, const unsigned char* data,
                const Bytes& octets, bool whole, std::size_t* cursor);
 
 // MemberLinks is the members of `view` as the page lists them, each with the
 // element it was read from (see FindSource) or -1.
-nlohmann::ordered_json MemberLinks(const View& view, const std::vector<Element>& elements,
+nlohmann::ordered_json MemberLinks(const View& view, const std::vector<PageElement>& elements,
                                    const unsigned char* data);
 
 }  // namespace tool
