@@ -71,6 +71,9 @@ class PageCollector : public Printer {
     row.length = e.length;
     row.depth = e.depth;
     row.type = types_.Index(e.end_of_contents ? std::string("EOC") : TypeName(e.tag_class, e.tag));
+    if (row.type == tags_.size()) {
+      tags_.push_back(std::string(ClassName(e.tag_class)) + " " + std::to_string(e.tag));
+    }
     row.flags = (e.constructed ? kConstructed : 0) | (e.encapsulated ? kEncapsulated : 0) |
                 (e.encapsulates ? kEncapsulates : 0) | (e.end_of_contents ? kEndOfContents : 0) |
                 (e.indefinite ? kIndefinite : 0);
@@ -120,6 +123,7 @@ class PageCollector : public Printer {
     (*page)["count"] = elements_.size();
     (*page)["elements"] = Base64(packed.data(), packed.size());
     (*page)["types"] = types_.texts();
+    (*page)["tags"] = tags_;
     (*page)["values"] = values_.texts();
     Json findings = Json::array();
     for (const std::string& list : findings_.texts()) findings.push_back(Json::parse(list));
@@ -138,6 +142,7 @@ class PageCollector : public Printer {
   std::vector<PageElement> elements_;
   std::vector<std::size_t> open_;
   Table types_;
+  std::vector<std::string> tags_;  // class and number of each type ("universal 16")
   Table values_;
   Table findings_;
 };
