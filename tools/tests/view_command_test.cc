@@ -143,7 +143,7 @@ TEST(RunViewTest, DamagedInputGivesAPageAndTheError) {
   const Json data = PageData(out.str());
   EXPECT_EQ(data["error"]["offset"], 5);
   EXPECT_EQ(data["count"], 2);
-  EXPECT_TRUE(data["members"].is_null() || !data.contains("members"));
+  EXPECT_FALSE(data.contains("members"));
 }
 
 }  // namespace
