@@ -12,6 +12,9 @@ pkgs+=(libcli11-dev nlohmann-json3-dev)
 pkgs+=(dpkg-dev fakeroot file lintian)
 # Its tests render the manual page and make BER with xxd.
 pkgs+=(man-db groff-base xxd)
+# The driver of the browser that opens view's pages (chromium itself is installed
+# by that test's setup, and its absence only skips the test).
+pkgs+=(python3)
 pkgs+=("$@")
 missing=()
 for p in "${pkgs[@]}"; do

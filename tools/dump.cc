@@ -307,6 +307,10 @@ void DumpText(const Tree& tree, const unsigned char* data, bool full, std::ostre
   out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
+std::string ValueText(const Element& e, const unsigned char* data, std::size_t octets) {
+  return e.constructed ? std::string() : Describe(e, data, octets, false).text;
+}
+
 void AppendElementLine(OutText* line, const Element& e, const unsigned char* data,
                        std::size_t octets, const Marks* marks) {
   // The columns as printf's "%6zu %2u %6s %s " would write them, without its

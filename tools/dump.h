@@ -48,6 +48,10 @@ void AppendElementLine(OutText* line, const Element& element, const unsigned cha
 void AddElementMembers(JsonObject* object, const Element& element, const unsigned char* data,
                        const Marks* marks = nullptr);
 
+// ValueText is the readable value of a primitive as its text line shows it,
+// octets shortened past `octets` (0: never); empty when there is none.
+std::string ValueText(const Element& element, const unsigned char* data, std::size_t octets);
+
 // PrimitiveValue is the JSON "value" of a primitive element; false when it is null.
 bool PrimitiveValue(const Element& element, const unsigned char* data, std::string* value);
 

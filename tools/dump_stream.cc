@@ -201,7 +201,12 @@ std::unique_ptr<Printer> MakePrinter(const PrintOptions& options, const unsigned
     json->Start();
     printer.reset(json);
   }
-  return std::unique_ptr<Printer>(new LintingPrinter(std::move(printer), data + options.base, options.size));
+  return WithLint(std::move(printer), data + options.base, options.size);
+}
+
+std::unique_ptr<Printer> WithLint(std::unique_ptr<Printer> printer, const unsigned char* data,
+                                  std::size_t size) {
+  return std::unique_ptr<Printer>(new LintingPrinter(std::move(printer), data, size));
 }
 
 WalkResult PrintWalk(const unsigned char* data, const PrintOptions& options,

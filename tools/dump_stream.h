@@ -55,6 +55,12 @@ WalkResult PrintWalk(const unsigned char* data, const PrintOptions& options,
 // DumpJson is what dump --json prints for `data`, as a document.
 Json DumpJson(const unsigned char* data, std::size_t size);
 
+// WithLint passes the elements of each top-level element on to `printer` once
+// that element is complete and linted, with its findings as marks; `data` and
+// `size` are the octets the walk reads.
+std::unique_ptr<Printer> WithLint(std::unique_ptr<Printer> printer, const unsigned char* data,
+                                  std::size_t size);
+
 }  // namespace tool
 }  // namespace keyasn
 

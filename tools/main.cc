@@ -11,6 +11,7 @@
 #include "oid_config.h"
 #include "types.h"
 #include "version.h"
+#include "view_command.h"
 
 namespace {
 
@@ -34,6 +35,8 @@ const char kExamples[] =
     "  keyasn dump --json x.der | keyasn encode > y.der\n"
     "                                          JSON and back (y.der is x.der)\n"
     "  keyasn show --as container key.der      a key container, member by member\n"
+    "  keyasn view --as container -o key.html key.der\n"
+    "                                          the same as a page: tree, octets, members\n"
     "See keyasn(1).\n";
 
 std::string TypeList() {
@@ -153,6 +156,22 @@ int main(int argc, char** argv) {
   AddInform(show_command, &show.inform);
   AddOids(show_command, &oid_files);
 
+  keyasn::tool::ViewRequest view;
+  CLI::App* view_command = app.add_subcommand(
+      "view", "Write one self-contained HTML page of any BER/DER input: the element tree\n"
+              "as dump reads it beside the octets, which highlight the element under the\n"
+              "mouse; with --as, the structure's members too. The page loads nothing:\n"
+              "it opens from a file with the network off.");
+  view_command->footer(TypeList());
+  view_command->add_option("FILE", view.file, "Input file, or - for standard input");
+  view_command->add_option("--as", view.type, "Also list the members of this structure TYPE")
+      ->type_name("TYPE");
+  view_command->add_option("-o,--output", view.output, "Output file (default: standard output)");
+  view_command->add_flag("--force", view.force,
+                         "Make a page of an input larger than 1 MiB (it opens slowly)");
+  AddInform(view_command, &view.inform);
+  AddOids(view_command, &oid_files);
+
   keyasn::tool::EncodeRequest encode;
   CLI::App* encode_command = app.add_subcommand(
       "encode", "Write the octets of a JSON document: what dump --json prints (no --as,\n"
@@ -187,5 +206,6 @@ int main(int argc, char** argv) {
   }
   if (*lint_command) return keyasn::tool::RunLint(lint, std::cout, std::cerr);
   if (*show_command) return keyasn::tool::RunShow(show, std::cout, std::cerr);
+  if (*view_command) return keyasn::tool::RunView(view, std::cout, std::cerr);
   return keyasn::tool::RunEncode(encode, std::cout, std::cerr);
 }

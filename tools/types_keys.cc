@@ -142,6 +142,7 @@ void ShowHeldKeyInfo(View* view, const std::string& name, const IdentObj& encodi
     return;
   }
   View& member = view->Object(name);
+  member.From(encoding.GetData(), encoding.Count());
   bool same = false;
   try {
     const ASNKeyInfo info = (container.*get)();

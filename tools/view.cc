@@ -38,6 +38,10 @@ std::string OctetsText(const unsigned char* data, std::size_t size, bool full) {
   return text;
 }
 
+std::string ItemCount(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " item" : " items");
+}
+
 }  // namespace
 
 void View::Octets(const std::string& name, const unsigned char* data, std::size_t size) {
@@ -45,12 +49,15 @@ void View::Octets(const std::string& name, const unsigned char* data, std::size_
   leaf.value_ = ToHex(data, size);
   leaf.text_ = OctetsText(data, size, false);
   leaf.full_text_ = OctetsText(data, size, true);
+  leaf.octets_.assign(data, data + size);
+  leaf.has_octets_ = true;
 }
 
 void View::Element(const std::string& name, const unsigned char* data, std::size_t size) {
   Octets(name, data, size);
   if (size == 0) return;
   View& leaf = children_.back();
+  leaf.whole_ = true;
   leaf.below_ = DumpLines(data, size, "", false);
   leaf.below_full_ = DumpLines(data, size, "", true);
 }
@@ -84,6 +91,34 @@ void View::Note(const std::string& text) {
 View& View::Object(const std::string& name) { return AddChild(name, Kind::kObject); }
 View& View::Array(const std::string& name) { return AddChild(name, Kind::kArray); }
 View& View::Item() { return AddChild("", Kind::kObject); }
+
+void View::From(const unsigned char* data, std::size_t size) {
+  octets_.assign(data, data + size);
+  has_octets_ = true;
+  whole_ = true;
+}
+
+std::vector<View::Member> View::Members() const {
+  std::vector<Member> members;
+  AddMembers(0, &members);
+  return members;
+}
+
+void View::AddMembers(int depth, std::vector<Member>* members) const {
+  std::size_t item = 0;
+  for (const View& child : children_) {
+    Member member{depth, child.name_, child.text_, child.kind_ == Kind::kNote,
+                  child.has_octets_ ? &child.octets_ : nullptr, child.whole_};
+    if (kind_ == Kind::kArray && !member.note) member.label = "[" + std::to_string(item++) + "]";
+    if (child.kind_ == Kind::kArray) {
+      member.text = ItemCount(child.children_.size());
+    }
+    members->push_back(member);
+    if (child.kind_ == Kind::kArray || child.kind_ == Kind::kObject) {
+      child.AddMembers(depth + 1, members);
+    }
+  }
+}
 
 Json View::ToJson() const {
   switch (kind_) {
@@ -133,8 +168,7 @@ std::string View::ToText(bool full, int indent) const {
         break;
       }
       case Kind::kArray:
-        out += pad + label + ": " + std::to_string(child.children_.size()) +
-               (child.children_.size() == 1 ? " item" : " items") + "\n";
+        out += pad + label + ": " + ItemCount(child.children_.size()) + "\n";
         out += child.ToText(full, indent + 2);
         break;
       case Kind::kObject:

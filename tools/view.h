@@ -48,6 +48,21 @@ class View {
   View& Array(const std::string& name);
   // Item appends an array element (for a View made by Array).
   View& Item();
+  // From records that this member was decoded from a stored encoding (the
+  // element's octets), so that a reader of the view can find where it came from.
+  void From(const unsigned char* data, std::size_t size);
+
+  // Member is one line of the member tree, for renderings other than text.
+  struct Member {
+    int depth;
+    std::string label;   // the name, or "[n]" for an array item
+    std::string text;    // the leaf text, an item count, or empty for an object
+    bool note;           // a line of commentary (label empty)
+    const Bytes* octets; // the octets the member holds or was decoded from, or null
+    bool whole;          // `octets` are a whole element (Element, From), not contents
+  };
+  // Members lists the tree in order, children after their parent.
+  std::vector<Member> Members() const;
 
   Json ToJson() const;
   // ToText renders `indent` spaces deep; octets shortened unless `full`.
@@ -56,6 +71,7 @@ class View {
  private:
   enum class Kind { kLeaf, kObject, kArray, kNote };
   View& AddChild(const std::string& name, Kind kind);
+  void AddMembers(int depth, std::vector<Member>* members) const;
 
   std::string name_;
   Kind kind_ = Kind::kObject;
@@ -64,6 +80,9 @@ class View {
   std::string full_text_;   // leaf text when --full (empty: same as text_)
   std::string below_;       // extra lines under a leaf (an element tree), unindented
   std::string below_full_;
+  Bytes octets_;            // see Member::octets
+  bool has_octets_ = false;
+  bool whole_ = false;
   std::list<View> children_;  // a list: references to children stay valid
 };
 

@@ -244,5 +244,32 @@ if [ -n "$bundle" ] && [ -x /usr/bin/time ]; then
   rm -f "$work/big.der"
 fi
 
+# view: a page to a file or standard output; damaged input gives a page and exit
+# 2; over 1 MiB only with --force; never a URL outside the data.
+run 0 view --help && { out_has "--as"; out_has "--force"; out_has "-o,--output"; out_has "container"; }
+run 0 view -o "$work/page.html" --as container "$sample" && {
+  out_empty
+  grep -q '^<!DOCTYPE html>' "$work/page.html" || fail "view -o: not a page"
+  grep -q '"structure":"container (ASNContainerInfo)"' "$work/page.html" || fail "view --as: no structure"
+}
+run 0 view && { out_has '"name":"\u003cbundled sample\u003e"'; out_has '"structure":"container'; }
+run 0 view - < "$sample" && out_has '"name":"\u003cstdin\u003e"'
+run 1 view --as nosuch "$sample" && err_is 'keyasn: view: unknown TYPE "nosuch" (see keyasn show --help)'
+run 2 view "$work/damaged.hex" && {
+  out_has '"error":{"offset":5,"text":"error at offset 5: 206'
+  err_has "keyasn: $work/damaged.hex: as hex: error at offset 5: 206"
+}
+run 2 view --as container "$work/damaged.hex" && out_has '"member_error":"cannot read it as container'
+# 1 MiB of zeros: the most elements an input of that size can hold.
+head -c 1048576 /dev/zero > "$work/mib.der"
+run 0 view -o "$work/mib.html" "$work/mib.der" && [ -s "$work/mib.html" ] || fail "view of 1 MiB: no page"
+head -c 1048577 /dev/zero > "$work/big.der"
+run 1 view -o "$work/big.html" "$work/big.der" && {
+  err_is "keyasn: $work/big.der: 1048577 octets, more than the 1048576 a page is made of without --force (a larger page opens slowly)"
+  [ ! -e "$work/big.html" ] || fail "view refused the input but wrote a page"
+}
+run 2 view --force -o "$work/big.html" "$work/big.der" && [ -s "$work/big.html" ] || fail "view --force: no page"
+run 3 view -o /nonexistent/page.html "$sample" && err_has "keyasn: /nonexistent/page.html: cannot open for writing"
+
 if [ "$failures" -ne 0 ]; then echo "$failures of $checks checks failed"; exit 1; fi
 echo "$checks behaviour checks passed"

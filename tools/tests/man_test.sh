@@ -18,7 +18,7 @@ for section in NAME SYNOPSIS COMMANDS OPTIONS "EXIT STATUS" EXAMPLES "SEE ALSO";
 done
 grep -q "dumpasn1(1)" <<< "$text" || fail "SEE ALSO dumpasn1(1)"
 grep -q "openssl-asn1parse(1)" <<< "$text" || fail "SEE ALSO openssl-asn1parse(1)"
-for command in dump extract lint show encode; do
+for command in dump extract lint show view encode; do
   grep -q -- "$command" <<< "$text" || fail "the manual lacks $command"
   grep -q -- "$command" "$completion" || fail "the completion lacks $command"
   for option in $("$keyasn" "$command" --help | grep -o -E '^ +(-[a-z],)?--[a-z-]+' | sed 's/.*--/--/'); do

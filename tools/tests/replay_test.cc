@@ -1,7 +1,7 @@
 // Every input of the shared seed corpora (arbitrary, mostly malformed BER/DER)
 // through every command and TYPE: each is shown or refused with exit status 2
-// (lint: 0, 4 for a finding that is an error, or 2), and nothing crashes or
-// reads out of bounds.
+// (lint: 0, 4 for a finding that is an error, or 2; view: a page either way),
+// and nothing crashes or reads out of bounds.
 #include <dirent.h>
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 #include "commands.h"
 #include "lint_command.h"
 #include "types.h"
+#include "view_command.h"
 
 namespace keyasn {
 namespace tool {
@@ -39,6 +40,7 @@ TEST(ReplayTest, EveryCorpusInputIsShownOrRefused) {
   const std::vector<std::string> files = CorpusFiles();
   if (files.empty()) GTEST_SKIP() << "no seed corpora under " << KEYASN_SHARED_DIR;
   std::size_t shown = 0;
+  std::size_t index = 0;
   for (const std::string& file : files) {
     SCOPED_TRACE(file);
     for (bool json : {false, true}) {
@@ -70,6 +72,17 @@ TEST(ReplayTest, EveryCorpusInputIsShownOrRefused) {
       const int status = RunShow(show, out, err);
       ASSERT_TRUE(status == kExitOk || status == kExitMalformed) << status << err.str();
       if (status == kExitOk) ++shown;
+    }
+    {
+      // The page's members with each TYPE in turn.
+      ViewRequest view;
+      view.file = file;
+      view.type = AllTypes()[index++ % AllTypes().size()].name;
+      std::ostringstream out, err;
+      const int status = RunView(view, out, err);
+      ASSERT_TRUE(status == kExitOk || status == kExitMalformed) << status << err.str();
+      EXPECT_EQ(status == kExitOk, err.str().empty()) << err.str();
+      EXPECT_NE(out.str().find("</html>"), std::string::npos);
     }
   }
   RecordProperty("files", static_cast<int>(files.size()));
