@@ -18,11 +18,13 @@ constexpr unsigned int kMaxLongFormOctets = 8;
 inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned int tag,
                       unsigned int length, const unsigned char* contents) {
   // Class and Constructed are adjacent octets: one 16-bit store (little-endian).
+  // first * 0x101 puts a copy of the octet in the high half, so one mask keeps the
+  // class bits low and the constructed bit high.
   static_assert(offsetof(ASNT_ASN_STRUCT_INFO, Constructed) ==
                     offsetof(ASNT_ASN_STRUCT_INFO, Class) + 1,
                 "Class and Constructed are adjacent");
-  const uint16_t classAndConstructed =
-      static_cast<uint16_t>((first & kClassMask) | ((first & kConstructedBit) << 8));
+  const uint16_t classAndConstructed = static_cast<uint16_t>(
+      (first * 0x101u) & ((kConstructedBit << 8) | kClassMask));
   std::memcpy(&info.Class, &classAndConstructed, sizeof classAndConstructed);
   info.Tag = tag;
   info.Length = length;
@@ -87,19 +89,14 @@ __attribute__((noinline)) int ParseHighTagHeader(ASNT_ASN_STRUCT_INFO& info,
   return ParseLongLength(info, data, size, pos, first, tag, lead);
 }
 
-}  // namespace
-
-int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
-  if (size < 2 || !data) return keyasn::kErrMalformed;
+// Every header but the one-octet identifier with a short length: a high tag number,
+// the 0x81 and 0x82 lengths inline, the other length forms out of line.
+__attribute__((noinline)) int ParseOtherHeader(ASNT_ASN_STRUCT_INFO& info,
+                                               const unsigned char* data, unsigned int size) {
   const unsigned char first = data[0];
   const unsigned char lead = data[1];
   const unsigned int tag = first & 0x1Fu;
   if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
-  if (lead < kIndefiniteLength) {
-    SetHeader(info, first, tag, lead, data + 2);
-    return keyasn::kOk;
-  }
-  // The one- and two-octet long forms that fit the buffer, inline.
   if (lead == 0x81 && size > 2) {
     SetHeader(info, first, tag, data[2], data + 3);
     return keyasn::kOk;
@@ -109,6 +106,20 @@ int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsign
     return keyasn::kOk;
   }
   return ParseLongLength(info, data, size, 2, first, tag, lead);
+}
+
+}  // namespace
+
+int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
+  if (size < 2 || !data) return keyasn::kErrMalformed;
+  // The identifier octet and the first length octet in one load. Their tag number
+  // bits and long-form bit together are below 0x1F exactly when the tag number is
+  // low and the length short: the common header, decided by one branch.
+  const unsigned int pair = data[0] | (static_cast<unsigned int>(data[1]) << 8);
+  const unsigned int tagAndLongForm = pair & 0x801Fu;
+  if (__builtin_expect(tagAndLongForm >= 0x1Fu, 0)) return ParseOtherHeader(info, data, size);
+  SetHeader(info, static_cast<unsigned char>(pair), tagAndLongForm, pair >> 8, data + 2);
+  return keyasn::kOk;
 }
 
 IdentObj BuildTag(unsigned char tagClass, bool constructed, unsigned int tag) {

@@ -132,6 +132,16 @@ class KeyInfoWriter {
   uint64_t size_ = 0;
 };
 
+// KeyInfoReader fills members of a key info that the public setters would only
+// take as a copy of a temporary.
+class KeyInfoReader {
+ public:
+  // SetValidity is Validity.SetEncoded(IdentObj(encoding, size)) in one copy.
+  static void SetValidity(CASNValid& validity, const unsigned char* encoding, unsigned int size) {
+    validity.encoded.Assign(encoding, size);
+  }
+};
+
 }  // namespace detail
 }  // namespace keyasn
 
@@ -250,6 +260,13 @@ IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
   return inner.GetRecord(nullptr);
 }
 
+// BitBlob is the blob of a decoded bit string value: the unused-bit count, then
+// the bits. An empty value reads as an empty blob.
+CRUVCryptBitBlob BitBlob(const unsigned char* value, unsigned int size) {
+  if (size == 0) return CRUVCryptBitBlob();
+  return CRUVCryptBitBlob(value + 1, size - 1, value[0]);
+}
+
 // ReadItem reads the SEQUENCE's item number `index` (0: Flags, 1: Number, then the
 // tagged members) into `ki`.
 void ReadItem(ASNKeyInfo& ki, unsigned int index, const unsigned char* item,
@@ -292,16 +309,18 @@ void ReadItem(ASNKeyInfo& ki, unsigned int index, const unsigned char* item,
       ki.Octets5 = ReadInnerValue(contents, length);
       break;
     case 6:
-      ki.Validity.SetEncoded(IdentObj(contents, length));
+      keyasn::detail::KeyInfoReader::SetValidity(ki.Validity, contents, length);
       break;
     case 7: {
-      const IdentObj value = ReadInnerValue(contents, length);
-      // An empty bit string value reads as an empty blob.
-      if (value.Count() == 0) {
-        ki.KeyBits = CRUVCryptBitBlob();
-      } else {
-        ki.KeyBits = CRUVCryptBitBlob(value.GetData() + 1, value.Count() - 1, value.GetData()[0]);
+      // A plain BIT STRING decodes to a copy of its contents (of any class): the
+      // blob is made from the contents themselves.
+      ASNT_ASN_STRUCT_INFO bits;
+      if (PlainElement(contents, length, &bits) && bits.Tag == kBitStringTag) {
+        ki.KeyBits = BitBlob(bits.Contents, bits.Length);
+        break;
       }
+      const IdentObj value = ReadInnerValue(contents, length);
+      ki.KeyBits = BitBlob(value.GetData(), value.Count());
       break;
     }
     case 8:
