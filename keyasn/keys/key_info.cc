@@ -12,6 +12,7 @@
 #include "keyasn/codec/header.h"
 #include "keyasn/codec/octets.h"
 #include "keyasn/codec/sequence.h"
+#include "keyasn/keys/items.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
 
@@ -23,8 +24,6 @@ constexpr char kReadPlace[] = "ASNKeyInfo::ReadData";
 constexpr char kSplitPlace[] = "ASNKeyInfo::ReadData ASNTGetSequence";
 constexpr char kHeaderPlace[] = "ASNKeyInfo::ReadData ASNTGetAsnInfo";
 constexpr unsigned int kLastKnownTag = 9;
-// The header's Length of a constructed element of indefinite length.
-constexpr unsigned int kIndefinite = 0xFFFFFFFFu;
 // With this flag the legacy INTEGER form of [2] widens to 20 octets.
 constexpr unsigned int kLongSecondOctetsFlag = 0x10;
 
@@ -215,40 +214,6 @@ IdentObj ReadLegacyOctets(const unsigned char* contents, unsigned int length,
   IdentObj widened(nullptr, width);
   std::copy_n(value.GetData(), value.Count(), widened.GetData());
   return widened;
-}
-
-// ForEachDefiniteItem splits the constructed element at `data` as
-// ASNTGetSequence(items, data, size, err) does, calling each(item, itemSize) in
-// place instead of copying the items, when that split cannot fail: the element
-// and every item have a definite length, and no item reaches past `size`. It then
-// returns true with `*consumed` set as ASNTGetSequence would return it; otherwise
-// it returns false before any call (the caller splits with ASNTGetSequence, which
-// reports the failure). Pass a no-op `each` first to know which way to take.
-template <class Each>
-bool ForEachDefiniteItem(const unsigned char* data, unsigned int size, unsigned int* consumed,
-                         Each each) {
-  ASNT_ASN_STRUCT_INFO info;
-  if (ASNTGetAsnInfo(info, data, size) != keyasn::kOk || !info.Constructed ||
-      info.Length == kIndefinite) {
-    return false;
-  }
-  const unsigned int h = static_cast<unsigned int>(info.Contents - data);
-  const uint64_t end = uint64_t{h} + info.Length;
-  if (end <= h) return false;
-  uint64_t offset = h;
-  do {
-    const unsigned int at = static_cast<unsigned int>(offset);
-    if (ASNTGetAsnInfo(info, data + at, size - at) != keyasn::kOk ||
-        info.Length == kIndefinite) {
-      return false;
-    }
-    const uint64_t itemSize = (info.Contents - (data + at)) + uint64_t{info.Length};
-    if (offset + itemSize > size) return false;
-    each(data + at, static_cast<unsigned int>(itemSize));
-    offset += itemSize;
-  } while (offset < end);
-  *consumed = static_cast<unsigned int>(offset);
-  return true;
 }
 
 // ReadInnerValue returns the decoded value of the one element in `contents`.
@@ -466,11 +431,11 @@ unsigned int ASNKeyInfo::ReadData(const void* data, unsigned int size, int* err)
     const unsigned char* octets = static_cast<const unsigned char*>(data);
     unsigned int count = 0;
     std::list<IdentObj> items;
-    if (ForEachDefiniteItem(octets, size, &result,
+    if (keyasn::detail::ForEachDefiniteItem(octets, size, &result,
                             [&count](const unsigned char*, unsigned int) { ++count; })) {
       if (count < 2) throw XRUVStatus(keyasn::kErrMalformed, kSplitPlace, false);
       count = 0;
-      ForEachDefiniteItem(octets, size, &result,
+      keyasn::detail::ForEachDefiniteItem(octets, size, &result,
                           [this, &count](const unsigned char* item, unsigned int itemSize) {
                             ReadItem(*this, count++, item, itemSize);
                           });
