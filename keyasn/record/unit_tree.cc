@@ -35,6 +35,75 @@ struct UnitTree::ReadFrame {
   unsigned int o = 0;
 };
 
+namespace {
+
+// The frames of the units being read, as a stack of fixed blocks: the first inside
+// the reader's own stack frame, the others on the heap, kept until the read ends
+// (a tree that goes up and down across a block edge allocates once). Each heap
+// block stays below glibc's large-request size (1008 octets on 64-bit): a larger
+// request first merges every small chunk freed so far, which for a pass after a
+// deep tree was freed is that whole tree, and then serves the new tree's records
+// from the merged chunk instead of the per-size lists. A contiguous vector of
+// frames grows past that size at about 20 levels.
+class FrameStack {
+ public:
+  using Frame = UnitTree::ReadFrame;
+
+  FrameStack() = default;
+  FrameStack(const FrameStack&) = delete;
+  FrameStack& operator=(const FrameStack&) = delete;
+  ~FrameStack() {
+    Block* block = first_.above;
+    while (block != nullptr) {
+      Block* above = block->above;
+      delete block;
+      block = above;
+    }
+  }
+
+  bool empty() const { return block_ == &first_ && count_ == 0; }
+  Frame& back() { return block_->frames[count_ - 1]; }
+
+  // push makes room for one frame on top and returns it.
+  Frame& push() {
+    if (count_ == kPerBlock) {
+      if (block_->above == nullptr) {
+        Block* fresh = new Block;
+        fresh->below = block_;
+        block_->above = fresh;
+      }
+      block_ = block_->above;
+      count_ = 0;
+    }
+    return block_->frames[count_++];
+  }
+
+  // pop drops the top frame, whose owned unit must have been moved out.
+  void pop() {
+    if (--count_ == 0 && block_ != &first_) {
+      block_ = block_->below;
+      count_ = kPerBlock;
+    }
+  }
+
+ private:
+  static constexpr unsigned int kLargeRequest = 1008;
+  static constexpr unsigned int kPerBlock =
+      (kLargeRequest - 2 * sizeof(void*)) / sizeof(Frame);
+  struct Block {
+    Block* below = nullptr;
+    Block* above = nullptr;
+    Frame frames[kPerBlock];
+  };
+  static_assert(sizeof(Block) <= kLargeRequest, "a block is a small request");
+
+  Block first_;
+  Block* block_ = &first_;
+  unsigned int count_ = 0;  // frames in use in block_
+};
+
+}  // namespace
+
 // Reads `unit` up to its children. Returns true when the unit is finished (with
 // `*code` and `*used`), false when its children are to be read next (`*frame`).
 bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
@@ -104,8 +173,8 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
                             int* code) {
   int rc = kOk;
   unsigned int used = 0;
-  std::vector<ReadFrame> stack(1);
-  if (StartUnit(root, data, size, &stack.back(), &rc, &used)) {
+  FrameStack stack;
+  if (StartUnit(root, data, size, &stack.push(), &rc, &used)) {
     *code = rc;
     return used;
   }
@@ -115,7 +184,7 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
     ReadFrame next;
     if (!StartUnit(child.get(), top.data + top.o, top.size - top.o, &next, &rc, &used)) {
       next.owned = std::move(child);
-      stack.push_back(std::move(next));
+      stack.push() = std::move(next);
       continue;
     }
     // The finished child goes to its parent; a parent that finishes with it goes
@@ -144,7 +213,7 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
       }
       if (!done) break;
       child = std::move(parent.owned);
-      stack.pop_back();
+      stack.pop();
       if (stack.empty()) {
         *code = rc;
         return used;

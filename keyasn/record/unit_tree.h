@@ -58,8 +58,10 @@ class UnitTree {
   // DestroyItems destroys every item below `unit` and empties its list.
   static void DestroyItems(CASNTUnit* unit) noexcept;
 
- private:
+  // The reader's state for one constructed unit whose children are being read.
   struct ReadFrame;
+
+ private:
   static bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
                         ReadFrame* frame, int* code, unsigned int* used);
 
