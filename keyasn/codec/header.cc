@@ -89,14 +89,22 @@ __attribute__((noinline)) int ParseHighTagHeader(ASNT_ASN_STRUCT_INFO& info,
   return ParseLongLength(info, data, size, pos, first, tag, lead);
 }
 
-// Every header but the one-octet identifier with a short length: a high tag number,
-// the 0x81 and 0x82 lengths inline, the other length forms out of line.
-__attribute__((noinline)) int ParseOtherHeader(ASNT_ASN_STRUCT_INFO& info,
-                                               const unsigned char* data, unsigned int size) {
+}  // namespace
+
+int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
+  if (size < 2 || !data) return keyasn::kErrMalformed;
   const unsigned char first = data[0];
   const unsigned char lead = data[1];
   const unsigned int tag = first & 0x1Fu;
+  // The common header first: each test right behind its octet's load, so that a
+  // mispredicted one is known early (one combined test on both octets measured
+  // slower), and the rarer forms below reuse the octets already loaded.
+  if (__builtin_expect(tag != 0x1Fu && lead < kIndefiniteLength, 1)) {
+    SetHeader(info, first, tag, lead, data + 2);
+    return keyasn::kOk;
+  }
   if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
+  // The one- and two-octet long forms that fit the buffer, inline.
   if (lead == 0x81 && size > 2) {
     SetHeader(info, first, tag, data[2], data + 3);
     return keyasn::kOk;
@@ -106,20 +114,6 @@ __attribute__((noinline)) int ParseOtherHeader(ASNT_ASN_STRUCT_INFO& info,
     return keyasn::kOk;
   }
   return ParseLongLength(info, data, size, 2, first, tag, lead);
-}
-
-}  // namespace
-
-int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsigned int size) {
-  if (size < 2 || !data) return keyasn::kErrMalformed;
-  // The identifier octet and the first length octet in one load. Their tag number
-  // bits and long-form bit together are below 0x1F exactly when the tag number is
-  // low and the length short: the common header, decided by one branch.
-  const unsigned int pair = data[0] | (static_cast<unsigned int>(data[1]) << 8);
-  const unsigned int tagAndLongForm = pair & 0x801Fu;
-  if (__builtin_expect(tagAndLongForm >= 0x1Fu, 0)) return ParseOtherHeader(info, data, size);
-  SetHeader(info, static_cast<unsigned char>(pair), tagAndLongForm, pair >> 8, data + 2);
-  return keyasn::kOk;
 }
 
 IdentObj BuildTag(unsigned char tagClass, bool constructed, unsigned int tag) {

@@ -23,16 +23,13 @@ using ItemList = std::list<CASNTBaseRecord*>;
 
 }  // namespace
 
-// A constructed unit whose children are being read.
+// A constructed unit whose children are being read. The children follow each
+// other in the data, so one position for the whole read says where the next one
+// starts; a frame keeps only where its own contents end.
 struct UnitTree::ReadFrame {
-  CASNTUnit* unit = nullptr;
-  std::unique_ptr<CASNTUnit> owned;  // null for the unit the caller handed in
-  const unsigned char* data = nullptr;
-  unsigned int size = 0;
-  unsigned int h = 0;
-  unsigned int length = 0;
-  bool indefinite = false;
-  unsigned int o = 0;
+  CASNTUnit* unit;        // owned, except in the bottom frame (the caller's unit)
+  unsigned int contents;  // offset of the first contents octet in the data read
+  unsigned int length;    // contents octets; kIndefinite for the indefinite form
 };
 
 namespace {
@@ -40,7 +37,8 @@ namespace {
 // The frames of the units being read, as a stack of fixed blocks: the first inside
 // the reader's own stack frame, the others on the heap, kept until the read ends
 // (a tree that goes up and down across a block edge allocates once). Each heap
-// block stays below glibc's large-request size (1008 octets on 64-bit): a larger
+// block stays a small request for glibc's allocator (at most 1000 octets on 64-bit,
+// a chunk below 1024): a larger
 // request first merges every small chunk freed so far, which for a pass after a
 // deep tree was freed is that whole tree, and then serves the new tree's records
 // from the merged chunk instead of the per-size lists. A contiguous vector of
@@ -53,6 +51,11 @@ class FrameStack {
   FrameStack(const FrameStack&) = delete;
   FrameStack& operator=(const FrameStack&) = delete;
   ~FrameStack() {
+    // Frames left by an exception still own their units.
+    while (!empty()) {
+      if (block_ != &first_ || count_ > 1) delete back().unit;
+      pop();
+    }
     Block* block = first_.above;
     while (block != nullptr) {
       Block* above = block->above;
@@ -78,7 +81,7 @@ class FrameStack {
     return block_->frames[count_++];
   }
 
-  // pop drops the top frame, whose owned unit must have been moved out.
+  // pop drops the top frame; its unit is the caller's to keep or delete.
   void pop() {
     if (--count_ == 0 && block_ != &first_) {
       block_ = block_->below;
@@ -87,15 +90,15 @@ class FrameStack {
   }
 
  private:
-  static constexpr unsigned int kLargeRequest = 1008;
+  static constexpr unsigned int kSmallRequest = 1000;
   static constexpr unsigned int kPerBlock =
-      (kLargeRequest - 2 * sizeof(void*)) / sizeof(Frame);
+      (kSmallRequest - 2 * sizeof(void*)) / sizeof(Frame);
   struct Block {
     Block* below = nullptr;
     Block* above = nullptr;
     Frame frames[kPerBlock];
   };
-  static_assert(sizeof(Block) <= kLargeRequest, "a block is a small request");
+  static_assert(sizeof(Block) <= kSmallRequest, "a block is a small request");
 
   Block first_;
   Block* block_ = &first_;
@@ -160,12 +163,7 @@ bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned in
     return true;
   }
   frame->unit = unit;
-  frame->data = data;
-  frame->size = size;
-  frame->h = h;
   frame->length = length;
-  frame->indefinite = length == kIndefinite;
-  frame->o = h;
   return false;
 }
 
@@ -174,50 +172,52 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
   int rc = kOk;
   unsigned int used = 0;
   FrameStack stack;
-  if (StartUnit(root, data, size, &stack.push(), &rc, &used)) {
+  ReadFrame& bottom = stack.push();
+  if (StartUnit(root, data, size, &bottom, &rc, &used)) {
     *code = rc;
     return used;
   }
+  // `at` is where the next element starts; `used`, what the last one took.
+  unsigned int at = used;
+  bottom.contents = at;
   for (;;) {
-    ReadFrame& top = stack.back();
     auto child = std::make_unique<CASNTUnit>();
     ReadFrame next;
-    if (!StartUnit(child.get(), top.data + top.o, top.size - top.o, &next, &rc, &used)) {
-      next.owned = std::move(child);
-      stack.push() = std::move(next);
+    if (!StartUnit(child.get(), data + at, size - at, &next, &rc, &used)) {
+      at += used;
+      ReadFrame& frame = stack.push();
+      frame = next;
+      frame.unit = child.release();
+      frame.contents = at;
       continue;
     }
+    at += used;
     // The finished child goes to its parent; a parent that finishes with it goes
     // on to its own parent in turn.
     for (;;) {
-      ReadFrame& parent = stack.back();
-      parent.o += used;
+      const ReadFrame parent = stack.back();
       bool done = true;
-      if (rc != kOk) {
-        used = parent.o;  // the failed child is released, the code passed up unchanged
-      } else {
+      if (rc == kOk) {
+        // A failed child is released and its code passed up unchanged.
         Items(*parent.unit).push_back(child.get());
         child.release();
-        const unsigned int o = parent.o;
-        if (!parent.indefinite) {
-          done = o - parent.h >= parent.length;
-          used = o;
-        } else if (o + 2 <= parent.size && parent.data[o] == 0 && parent.data[o + 1] == 0) {
-          used = o + 2;  // the end-of-contents octets are consumed
-        } else if (o >= parent.size) {
+        if (parent.length != kIndefinite) {
+          done = at - parent.contents >= parent.length;
+        } else if (at + 2 <= size && data[at] == 0 && data[at + 1] == 0) {
+          at += 2;  // the end-of-contents octets are consumed
+        } else if (at >= size) {
           rc = kErrMalformed;
-          used = o;
         } else {
           done = false;
         }
       }
       if (!done) break;
-      child = std::move(parent.owned);
       stack.pop();
       if (stack.empty()) {
         *code = rc;
-        return used;
+        return at;
       }
+      child.reset(parent.unit);
     }
   }
 }
