@@ -21,39 +21,33 @@ constexpr unsigned char kContextSpecific = 0x80;
 
 using ItemList = std::list<CASNTBaseRecord*>;
 
-}  // namespace
+// The octets first reserved for the walks' node lists and stacks.
+constexpr size_t kFirstCapacity = 512;
 
-// A constructed unit whose children are being read. The children follow each
-// other in the data, so one position for the whole read says where the next one
-// starts; a frame keeps only where its own contents end.
-struct UnitTree::ReadFrame {
-  CASNTUnit* unit;        // owned, except in the bottom frame (the caller's unit)
-  unsigned int contents;  // offset of the first contents octet in the data read
-  unsigned int length;    // contents octets; kIndefinite for the indefinite form
-};
+}  // namespace
 
 namespace {
 
-// The frames of the units being read, as a stack of fixed blocks: the first inside
-// the reader's own stack frame, the others on the heap, kept until the read ends
-// (a tree that goes up and down across a block edge allocates once). Each heap
-// block stays a small request for glibc's allocator (at most 1000 octets on 64-bit,
-// a chunk below 1024): a larger
-// request first merges every small chunk freed so far, which for a pass after a
-// deep tree was freed is that whole tree, and then serves the new tree's records
-// from the merged chunk instead of the per-size lists. A contiguous vector of
-// frames grows past that size at about 20 levels.
-class FrameStack {
+// The constructed units being read, innermost on top, as a stack of fixed blocks:
+// the first inside the reader's own stack frame, the others on the heap, kept until
+// the read ends (a tree that goes up and down across a block edge allocates once).
+// Each heap block stays a small request for glibc's allocator (at most 1000 octets
+// on 64-bit, a chunk below 1024): a larger request first merges every small chunk
+// freed so far, which for a read that follows the release of a deep tree is that
+// whole tree, and the new tree's records then come from the merged chunk instead
+// of the per-size lists. A contiguous vector grows past that size at about 100
+// levels. A unit's own header says where its contents start and how long they
+// are, so the stack holds the units alone.
+class UnitStack {
  public:
-  using Frame = UnitTree::ReadFrame;
-
-  FrameStack() = default;
-  FrameStack(const FrameStack&) = delete;
-  FrameStack& operator=(const FrameStack&) = delete;
-  ~FrameStack() {
-    // Frames left by an exception still own their units.
+  UnitStack() = default;
+  UnitStack(const UnitStack&) = delete;
+  UnitStack& operator=(const UnitStack&) = delete;
+  ~UnitStack() {
+    // Units left by an exception are owned here, all but the bottom one (the
+    // caller's).
     while (!empty()) {
-      if (block_ != &first_ || count_ > 1) delete back().unit;
+      if (block_ != &first_ || count_ > 1) delete back();
       pop();
     }
     Block* block = first_.above;
@@ -65,10 +59,9 @@ class FrameStack {
   }
 
   bool empty() const { return block_ == &first_ && count_ == 0; }
-  Frame& back() { return block_->frames[count_ - 1]; }
+  CASNTUnit* back() const { return block_->units[count_ - 1]; }
 
-  // push makes room for one frame on top and returns it.
-  Frame& push() {
+  void push(CASNTUnit* unit) {
     if (count_ == kPerBlock) {
       if (block_->above == nullptr) {
         Block* fresh = new Block;
@@ -78,10 +71,10 @@ class FrameStack {
       block_ = block_->above;
       count_ = 0;
     }
-    return block_->frames[count_++];
+    block_->units[count_++] = unit;
   }
 
-  // pop drops the top frame; its unit is the caller's to keep or delete.
+  // pop drops the top unit; it is the caller's to keep or delete.
   void pop() {
     if (--count_ == 0 && block_ != &first_) {
       block_ = block_->below;
@@ -92,25 +85,26 @@ class FrameStack {
  private:
   static constexpr unsigned int kSmallRequest = 1000;
   static constexpr unsigned int kPerBlock =
-      (kSmallRequest - 2 * sizeof(void*)) / sizeof(Frame);
+      (kSmallRequest - 2 * sizeof(void*)) / sizeof(CASNTUnit*);
   struct Block {
     Block* below = nullptr;
     Block* above = nullptr;
-    Frame frames[kPerBlock];
+    CASNTUnit* units[kPerBlock];
   };
   static_assert(sizeof(Block) <= kSmallRequest, "a block is a small request");
 
   Block first_;
   Block* block_ = &first_;
-  unsigned int count_ = 0;  // frames in use in block_
+  unsigned int count_ = 0;  // units on the stack in block_
 };
 
 }  // namespace
 
 // Reads `unit` up to its children. Returns true when the unit is finished (with
-// `*code` and `*used`), false when its children are to be read next (`*frame`).
+// `*code` and `*used`), false when its children are to be read next (`*used` is
+// then its header's size).
 bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
-                         ReadFrame* frame, int* code, unsigned int* used) {
+                         int* code, unsigned int* used) {
   DestroyItems(unit);
   int local = kOk;
   const unsigned int h = unit->ReadASNInfo(data, size, &local);
@@ -162,8 +156,6 @@ bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned in
     *code = kErrMalformed;  // indefinite with no contents
     return true;
   }
-  frame->unit = unit;
-  frame->length = length;
   return false;
 }
 
@@ -171,38 +163,37 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
                             int* code) {
   int rc = kOk;
   unsigned int used = 0;
-  FrameStack stack;
-  ReadFrame& bottom = stack.push();
-  if (StartUnit(root, data, size, &bottom, &rc, &used)) {
+  if (StartUnit(root, data, size, &rc, &used)) {
     *code = rc;
     return used;
   }
-  // `at` is where the next element starts; `used`, what the last one took.
+  UnitStack stack;
+  stack.push(root);
+  // The children follow each other in the data: `at` is where the next element
+  // starts, `used` what the last one took.
   unsigned int at = used;
-  bottom.contents = at;
   for (;;) {
     auto child = std::make_unique<CASNTUnit>();
-    ReadFrame next;
-    if (!StartUnit(child.get(), data + at, size - at, &next, &rc, &used)) {
+    if (!StartUnit(child.get(), data + at, size - at, &rc, &used)) {
       at += used;
-      ReadFrame& frame = stack.push();
-      frame = next;
-      frame.unit = child.release();
-      frame.contents = at;
+      stack.push(child.get());
+      child.release();
       continue;
     }
     at += used;
     // The finished child goes to its parent; a parent that finishes with it goes
     // on to its own parent in turn.
     for (;;) {
-      const ReadFrame parent = stack.back();
+      CASNTUnit* parent = stack.back();
       bool done = true;
       if (rc == kOk) {
         // A failed child is released and its code passed up unchanged.
-        Items(*parent.unit).push_back(child.get());
+        Items(*parent).push_back(child.get());
         child.release();
-        if (parent.length != kIndefinite) {
-          done = at - parent.contents >= parent.length;
+        // The parent's header was read from this data: its contents start there.
+        const ASNT_ASN_STRUCT_INFO& header = Header(*parent);
+        if (header.Length != kIndefinite) {
+          done = at - static_cast<unsigned int>(header.Contents - data) >= header.Length;
         } else if (at + 2 <= size && data[at] == 0 && data[at + 1] == 0) {
           at += 2;  // the end-of-contents octets are consumed
         } else if (at >= size) {
@@ -217,13 +208,16 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
         *code = rc;
         return at;
       }
-      child.reset(parent.unit);
+      child.reset(parent);
     }
   }
 }
 
 void UnitTree::LayOut(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   nodes->clear();
+  // A first capacity for small trees, instead of growing from one node; still a
+  // small request for the allocator (see UnitStack).
+  nodes->reserve(kFirstCapacity / sizeof(UnitNode));
   struct Cursor {
     ItemList::const_iterator it;
     ItemList::const_iterator end;
@@ -232,6 +226,7 @@ void UnitTree::LayOut(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   const ItemList& rootItems = Items(root);
   nodes->push_back(UnitNode{&root, 0, 1, 0, 0, !rootItems.empty()});
   std::vector<Cursor> stack;
+  stack.reserve(kFirstCapacity / sizeof(Cursor));
   stack.push_back(Cursor{rootItems.begin(), rootItems.end(), 0});
   while (!stack.empty()) {
     Cursor& cursor = stack.back();
@@ -272,6 +267,7 @@ unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned c
   if (!buffer) return 0;
   unsigned int offset = 0;
   std::vector<unsigned int> open;  // branches whose items are being written
+  open.reserve(kFirstCapacity / sizeof(unsigned int));
   size_t i = 0;
   while (i < nodes.size()) {
     while (!open.empty() && nodes[open.back()].end <= i) open.pop_back();

@@ -58,12 +58,9 @@ class UnitTree {
   // DestroyItems destroys every item below `unit` and empties its list.
   static void DestroyItems(CASNTUnit* unit) noexcept;
 
-  // The reader's state for one constructed unit whose children are being read.
-  struct ReadFrame;
-
  private:
   static bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
-                        ReadFrame* frame, int* code, unsigned int* used);
+                        int* code, unsigned int* used);
 
   static std::list<CASNTBaseRecord*>& Items(CASNTUnit& u) { return u.items; }
   static const std::list<CASNTBaseRecord*>& Items(const CASNTUnit& u) { return u.items; }
