@@ -266,11 +266,8 @@ unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned c
                                   unsigned int size) {
   if (!buffer) return 0;
   unsigned int offset = 0;
-  std::vector<unsigned int> open;  // branches whose items are being written
-  open.reserve(kFirstCapacity / sizeof(unsigned int));
   size_t i = 0;
   while (i < nodes.size()) {
-    while (!open.empty() && nodes[open.back()].end <= i) open.pop_back();
     const UnitNode& node = nodes[i];
     if (node.branch) {
       if (size - offset < node.size) {
@@ -282,15 +279,15 @@ unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned c
                               static_cast<unsigned char>(header.Class | header.Constructed),
                               header.Tag);
       offset += PutSizeOctets(buffer + offset, node.contents);
-      open.push_back(static_cast<unsigned int>(i));
       ++i;
       continue;
     }
     int local = kOk;
     offset += node.record->WriteData(buffer + offset, size - offset, &local);
-    if (local != kOk && !open.empty()) {
-      i = nodes[open.back()].end;  // a failed item stops the rest of its parent
-      open.pop_back();
+    if (local != kOk && i != 0) {
+      // A failed item stops the rest of its parent. Every node reached below the
+      // root has its parent written: a unit that does not fit is skipped whole.
+      i = nodes[node.parent].end;
       continue;
     }
     ++i;
