@@ -18,11 +18,13 @@ constexpr unsigned int kMaxLongFormOctets = 8;
 inline void SetHeader(ASNT_ASN_STRUCT_INFO& info, unsigned char first, unsigned int tag,
                       unsigned int length, const unsigned char* contents) {
   // Class and Constructed are adjacent octets: one 16-bit store (little-endian).
+  // first * 0x101 puts a copy of the octet in the high half, so one mask keeps the
+  // class bits low and the constructed bit high.
   static_assert(offsetof(ASNT_ASN_STRUCT_INFO, Constructed) ==
                     offsetof(ASNT_ASN_STRUCT_INFO, Class) + 1,
                 "Class and Constructed are adjacent");
-  const uint16_t classAndConstructed =
-      static_cast<uint16_t>((first & kClassMask) | ((first & kConstructedBit) << 8));
+  const uint16_t classAndConstructed = static_cast<uint16_t>(
+      (first * 0x101u) & ((kConstructedBit << 8) | kClassMask));
   std::memcpy(&info.Class, &classAndConstructed, sizeof classAndConstructed);
   info.Tag = tag;
   info.Length = length;
@@ -94,11 +96,14 @@ int ASNTGetAsnInfo(ASNT_ASN_STRUCT_INFO& info, const unsigned char* data, unsign
   const unsigned char first = data[0];
   const unsigned char lead = data[1];
   const unsigned int tag = first & 0x1Fu;
-  if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
-  if (lead < kIndefiniteLength) {
+  // The common header first: each test right behind its octet's load, so that a
+  // mispredicted one is known early (one combined test on both octets measured
+  // slower), and the rarer forms below reuse the octets already loaded.
+  if (__builtin_expect(tag != 0x1Fu && lead < kIndefiniteLength, 1)) {
     SetHeader(info, first, tag, lead, data + 2);
     return keyasn::kOk;
   }
+  if (tag == 0x1Fu) return ParseHighTagHeader(info, data, size);
   // The one- and two-octet long forms that fit the buffer, inline.
   if (lead == 0x81 && size > 2) {
     SetHeader(info, first, tag, data[2], data + 3);

@@ -8,6 +8,7 @@
 #include "keyasn/codec/sequence.h"
 #include "keyasn/codec/tags.h"
 #include "keyasn/record/base_record.h"
+#include "keyasn/record/whole_element.h"
 #include "keyasn/support/status.h"
 
 namespace {
@@ -15,6 +16,8 @@ namespace {
 using namespace keyasn::detail::tags;
 
 constexpr char kReadPlace[] = "CASNTIdData::ReadData";
+// The record model reports a failed element read here: callers match on it.
+constexpr char kRecordHeaderPlace[] = "CASNTBaseRecord::ReadASNInfo";
 constexpr unsigned int kIndefinite = 0xFFFFFFFF;
 
 // ReadObjectId reads the OBJECT IDENTIFIER element at the front of `data` into
@@ -23,13 +26,15 @@ constexpr unsigned int kIndefinite = 0xFFFFFFFF;
 // its contents octets as they stand (not as dotted text), so it writes back unchanged.
 unsigned int ReadObjectId(const unsigned char* data, unsigned int size, IdentObj& objId,
                           unsigned int& count) {
-  CASNTBaseRecord record;
-  const unsigned int used = record.ReadData(data, size, nullptr);
+  // As a record would read it, without the record's copy of the element.
+  ASNT_ASN_STRUCT_INFO info;
+  unsigned int h = 0;
+  const int code = keyasn::detail::ParseWholeElement(info, data, size, &h);
+  if (code != keyasn::kOk) throw XRUVStatus(code, kRecordHeaderPlace, false);
+  const unsigned int used = h + info.Length;
   count += used;
-  if (record.GetTag() != kObjectIdTag) throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
-  // A successful read used header + contents octets, all within `size`.
-  const unsigned int length = record.GetEntrySize();
-  objId.Assign(data + used - length, length);
+  if (info.Tag != kObjectIdTag) throw XRUVStatus(keyasn::kErrMalformed, kReadPlace, false);
+  objId.Assign(info.Contents, info.Length);
   return used;
 }
 

@@ -12,6 +12,7 @@
 #include "keyasn/codec/header.h"
 #include "keyasn/codec/octets.h"
 #include "keyasn/codec/sequence.h"
+#include "keyasn/keys/items.h"
 #include "keyasn/record/base_record.h"
 #include "keyasn/support/status.h"
 
@@ -23,8 +24,6 @@ constexpr char kReadPlace[] = "ASNKeyInfo::ReadData";
 constexpr char kSplitPlace[] = "ASNKeyInfo::ReadData ASNTGetSequence";
 constexpr char kHeaderPlace[] = "ASNKeyInfo::ReadData ASNTGetAsnInfo";
 constexpr unsigned int kLastKnownTag = 9;
-// The header's Length of a constructed element of indefinite length.
-constexpr unsigned int kIndefinite = 0xFFFFFFFFu;
 // With this flag the legacy INTEGER form of [2] widens to 20 octets.
 constexpr unsigned int kLongSecondOctetsFlag = 0x10;
 
@@ -132,6 +131,16 @@ class KeyInfoWriter {
   uint64_t size_ = 0;
 };
 
+// KeyInfoReader fills members of a key info that the public setters would only
+// take as a copy of a temporary.
+class KeyInfoReader {
+ public:
+  // SetValidity is Validity.SetEncoded(IdentObj(encoding, size)) in one copy.
+  static void SetValidity(CASNValid& validity, const unsigned char* encoding, unsigned int size) {
+    validity.encoded.Assign(encoding, size);
+  }
+};
+
 }  // namespace detail
 }  // namespace keyasn
 
@@ -207,40 +216,6 @@ IdentObj ReadLegacyOctets(const unsigned char* contents, unsigned int length,
   return widened;
 }
 
-// ForEachDefiniteItem splits the constructed element at `data` as
-// ASNTGetSequence(items, data, size, err) does, calling each(item, itemSize) in
-// place instead of copying the items, when that split cannot fail: the element
-// and every item have a definite length, and no item reaches past `size`. It then
-// returns true with `*consumed` set as ASNTGetSequence would return it; otherwise
-// it returns false before any call (the caller splits with ASNTGetSequence, which
-// reports the failure). Pass a no-op `each` first to know which way to take.
-template <class Each>
-bool ForEachDefiniteItem(const unsigned char* data, unsigned int size, unsigned int* consumed,
-                         Each each) {
-  ASNT_ASN_STRUCT_INFO info;
-  if (ASNTGetAsnInfo(info, data, size) != keyasn::kOk || !info.Constructed ||
-      info.Length == kIndefinite) {
-    return false;
-  }
-  const unsigned int h = static_cast<unsigned int>(info.Contents - data);
-  const uint64_t end = uint64_t{h} + info.Length;
-  if (end <= h) return false;
-  uint64_t offset = h;
-  do {
-    const unsigned int at = static_cast<unsigned int>(offset);
-    if (ASNTGetAsnInfo(info, data + at, size - at) != keyasn::kOk ||
-        info.Length == kIndefinite) {
-      return false;
-    }
-    const uint64_t itemSize = (info.Contents - (data + at)) + uint64_t{info.Length};
-    if (offset + itemSize > size) return false;
-    each(data + at, static_cast<unsigned int>(itemSize));
-    offset += itemSize;
-  } while (offset < end);
-  *consumed = static_cast<unsigned int>(offset);
-  return true;
-}
-
 // ReadInnerValue returns the decoded value of the one element in `contents`.
 IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
   ASNT_ASN_STRUCT_INFO info;
@@ -248,6 +223,13 @@ IdentObj ReadInnerValue(const unsigned char* contents, unsigned int length) {
   CASNTBaseRecord inner;
   inner.ReadData(contents, length, nullptr);
   return inner.GetRecord(nullptr);
+}
+
+// BitBlob is the blob of a decoded bit string value: the unused-bit count, then
+// the bits. An empty value reads as an empty blob.
+CRUVCryptBitBlob BitBlob(const unsigned char* value, unsigned int size) {
+  if (size == 0) return CRUVCryptBitBlob();
+  return CRUVCryptBitBlob(value + 1, size - 1, value[0]);
 }
 
 // ReadItem reads the SEQUENCE's item number `index` (0: Flags, 1: Number, then the
@@ -292,16 +274,18 @@ void ReadItem(ASNKeyInfo& ki, unsigned int index, const unsigned char* item,
       ki.Octets5 = ReadInnerValue(contents, length);
       break;
     case 6:
-      ki.Validity.SetEncoded(IdentObj(contents, length));
+      keyasn::detail::KeyInfoReader::SetValidity(ki.Validity, contents, length);
       break;
     case 7: {
-      const IdentObj value = ReadInnerValue(contents, length);
-      // An empty bit string value reads as an empty blob.
-      if (value.Count() == 0) {
-        ki.KeyBits = CRUVCryptBitBlob();
-      } else {
-        ki.KeyBits = CRUVCryptBitBlob(value.GetData() + 1, value.Count() - 1, value.GetData()[0]);
+      // A plain BIT STRING decodes to a copy of its contents (of any class): the
+      // blob is made from the contents themselves.
+      ASNT_ASN_STRUCT_INFO bits;
+      if (PlainElement(contents, length, &bits) && bits.Tag == kBitStringTag) {
+        ki.KeyBits = BitBlob(bits.Contents, bits.Length);
+        break;
       }
+      const IdentObj value = ReadInnerValue(contents, length);
+      ki.KeyBits = BitBlob(value.GetData(), value.Count());
       break;
     }
     case 8:
@@ -447,11 +431,11 @@ unsigned int ASNKeyInfo::ReadData(const void* data, unsigned int size, int* err)
     const unsigned char* octets = static_cast<const unsigned char*>(data);
     unsigned int count = 0;
     std::list<IdentObj> items;
-    if (ForEachDefiniteItem(octets, size, &result,
+    if (keyasn::detail::ForEachDefiniteItem(octets, size, &result,
                             [&count](const unsigned char*, unsigned int) { ++count; })) {
       if (count < 2) throw XRUVStatus(keyasn::kErrMalformed, kSplitPlace, false);
       count = 0;
-      ForEachDefiniteItem(octets, size, &result,
+      keyasn::detail::ForEachDefiniteItem(octets, size, &result,
                           [this, &count](const unsigned char* item, unsigned int itemSize) {
                             ReadItem(*this, count++, item, itemSize);
                           });

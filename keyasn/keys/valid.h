@@ -7,6 +7,12 @@
 #include "keyasn/support/file_time.h"
 #include "keyasn/support/ident_obj.h"
 
+namespace keyasn {
+namespace detail {
+class KeyInfoReader;
+}  // namespace detail
+}  // namespace keyasn
+
 /// CASNValid holds SEQUENCE { notBefore Time, notAfter Time } as its finished
 /// encoding (empty when no period is set). A time strictly before 2050-01-01
 /// 00:00:01 UTC is written as UTCTime, any later one as GeneralizedTime.
@@ -37,6 +43,9 @@ class KEYASN_API CASNValid {
   void SetEncoded(const IdentObj& encoding);
 
  private:
+  /// The key info reader copies the encoding it reads straight into the member.
+  friend class keyasn::detail::KeyInfoReader;
+
   IdentObj encoded;
 };
 

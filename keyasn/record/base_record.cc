@@ -10,6 +10,7 @@
 #include "keyasn/codec/octets.h"
 #include "keyasn/codec/tags.h"
 #include "keyasn/record/record_octets.h"
+#include "keyasn/record/whole_element.h"
 #include "keyasn/support/status.h"
 
 namespace {
@@ -83,6 +84,24 @@ uint64_t ReadPrimitiveByAccumulator(const CRUVFile& file, uint64_t start, uint64
 }
 
 }  // namespace
+
+namespace keyasn {
+namespace detail {
+
+int ParseWholeElement(ASNT_ASN_STRUCT_INFO& header, const unsigned char* data,
+                      unsigned int size, unsigned int* headerSize) {
+  header = ASNT_ASN_STRUCT_INFO{};
+  *headerSize = 0;
+  const int code = ASNTGetAsnInfo(header, data, size);
+  if (code != kOk) return code;
+  const unsigned int h = static_cast<unsigned int>(header.Contents - data);
+  *headerSize = h;
+  // An indefinite length (0xFFFFFFFF) never fits.
+  return h <= size && static_cast<uint64_t>(size - h) >= header.Length ? kOk : kErrTooShort;
+}
+
+}  // namespace detail
+}  // namespace keyasn
 
 CASNTBaseRecord::CASNTBaseRecord() : header(), entry(), encoded() {}
 
@@ -282,19 +301,16 @@ unsigned int CASNTBaseRecord::ReadASNInfo(const CRUVFile& file, unsigned int pos
 }
 
 unsigned int CASNTBaseRecord::ReadData(const void* data, unsigned int size, int* error) {
-  int code = keyasn::kOk;
-  const unsigned int h = ReadASNInfo(data, size, &code);
+  unsigned int h = 0;
+  const int code = keyasn::detail::ParseWholeElement(
+      header, static_cast<const unsigned char*>(data), size, &h);
   if (code == keyasn::kOk) {
-    // An indefinite length (0xFFFFFFFF) never fits.
-    if (h <= size && static_cast<uint64_t>(size - h) >= header.Length) {
-      const unsigned int total = h + header.Length;
-      encoded.Assign(data, total);
-      entry.Empty();
-      header.Contents = encoded.GetData() + h;
-      Succeed(error);
-      return total;
-    }
-    code = keyasn::kErrTooShort;
+    const unsigned int total = h + header.Length;
+    encoded.Assign(data, total);
+    entry.Empty();
+    header.Contents = encoded.GetData() + h;
+    Succeed(error);
+    return total;
   }
   header = ASNT_ASN_STRUCT_INFO{};
   // The place names the header reader on purpose: callers match on it.

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <typeinfo>
 #include <vector>
 
 #include "keyasn/codec/error_codes.h"
@@ -48,6 +49,15 @@ unsigned int CASNTUnit::WriteData(void* buffer, unsigned int size, int* /*error*
 }
 
 IdentObj CASNTUnit::WriteData(int* error) const {
+  // A unit with items is laid out once for both its size and its octets; a derived
+  // class may size or write itself otherwise, so it takes the virtual calls.
+  if (!items.empty() && typeid(*this) == typeid(CASNTUnit)) {
+    std::vector<keyasn::detail::UnitNode> nodes;
+    keyasn::detail::UnitTree::LayOut(*this, &nodes);
+    IdentObj buffer(nullptr, nodes[0].size);
+    keyasn::detail::UnitTree::WriteNodes(nodes, buffer.GetData(), buffer.Count());
+    return buffer;
+  }
   IdentObj buffer(nullptr, GetObjectSize());
   WriteData(buffer.GetData(), buffer.Count(), error);
   return buffer;

@@ -21,24 +21,90 @@ constexpr unsigned char kContextSpecific = 0x80;
 
 using ItemList = std::list<CASNTBaseRecord*>;
 
+// The octets first reserved for the walks' node lists and stacks.
+constexpr size_t kFirstCapacity = 512;
+
 }  // namespace
 
-// A constructed unit whose children are being read.
-struct UnitTree::ReadFrame {
-  CASNTUnit* unit = nullptr;
-  std::unique_ptr<CASNTUnit> owned;  // null for the unit the caller handed in
-  const unsigned char* data = nullptr;
-  unsigned int size = 0;
-  unsigned int h = 0;
-  unsigned int length = 0;
-  bool indefinite = false;
-  unsigned int o = 0;
+namespace {
+
+// The constructed units being read, innermost on top, as a stack of fixed blocks:
+// the first inside the reader's own stack frame, the others on the heap, kept until
+// the read ends (a tree that goes up and down across a block edge allocates once).
+// Each heap block stays a small request for glibc's allocator (at most 1000 octets
+// on 64-bit, a chunk below 1024): a larger request first merges every small chunk
+// freed so far, which for a read that follows the release of a deep tree is that
+// whole tree, and the new tree's records then come from the merged chunk instead
+// of the per-size lists. A contiguous vector grows past that size at about 100
+// levels. A unit's own header says where its contents start and how long they
+// are, so the stack holds the units alone.
+class UnitStack {
+ public:
+  UnitStack() = default;
+  UnitStack(const UnitStack&) = delete;
+  UnitStack& operator=(const UnitStack&) = delete;
+  ~UnitStack() {
+    // Units left by an exception are owned here, all but the bottom one (the
+    // caller's).
+    while (!empty()) {
+      if (block_ != &first_ || count_ > 1) delete back();
+      pop();
+    }
+    Block* block = first_.above;
+    while (block != nullptr) {
+      Block* above = block->above;
+      delete block;
+      block = above;
+    }
+  }
+
+  bool empty() const { return block_ == &first_ && count_ == 0; }
+  CASNTUnit* back() const { return block_->units[count_ - 1]; }
+
+  void push(CASNTUnit* unit) {
+    if (count_ == kPerBlock) {
+      if (block_->above == nullptr) {
+        Block* fresh = new Block;
+        fresh->below = block_;
+        block_->above = fresh;
+      }
+      block_ = block_->above;
+      count_ = 0;
+    }
+    block_->units[count_++] = unit;
+  }
+
+  // pop drops the top unit; it is the caller's to keep or delete.
+  void pop() {
+    if (--count_ == 0 && block_ != &first_) {
+      block_ = block_->below;
+      count_ = kPerBlock;
+    }
+  }
+
+ private:
+  static constexpr unsigned int kSmallRequest = 1000;
+  static constexpr unsigned int kPerBlock =
+      (kSmallRequest - 2 * sizeof(void*)) / sizeof(CASNTUnit*);
+  struct Block {
+    Block* below = nullptr;
+    Block* above = nullptr;
+    CASNTUnit* units[kPerBlock];
+  };
+  static_assert(sizeof(Block) <= kSmallRequest, "a block is a small request");
+
+  Block first_;
+  Block* block_ = &first_;
+  unsigned int count_ = 0;  // units on the stack in block_
 };
 
+}  // namespace
+
 // Reads `unit` up to its children. Returns true when the unit is finished (with
-// `*code` and `*used`), false when its children are to be read next (`*frame`).
+// `*code` and `*used`), false when its children are to be read next (`*used` is
+// then its header's size).
 bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
-                         ReadFrame* frame, int* code, unsigned int* used) {
+                         int* code, unsigned int* used) {
   DestroyItems(unit);
   int local = kOk;
   const unsigned int h = unit->ReadASNInfo(data, size, &local);
@@ -90,13 +156,6 @@ bool UnitTree::StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned in
     *code = kErrMalformed;  // indefinite with no contents
     return true;
   }
-  frame->unit = unit;
-  frame->data = data;
-  frame->size = size;
-  frame->h = h;
-  frame->length = length;
-  frame->indefinite = length == kIndefinite;
-  frame->o = h;
   return false;
 }
 
@@ -104,57 +163,61 @@ unsigned int UnitTree::Read(CASNTUnit* root, const unsigned char* data, unsigned
                             int* code) {
   int rc = kOk;
   unsigned int used = 0;
-  std::vector<ReadFrame> stack(1);
-  if (StartUnit(root, data, size, &stack.back(), &rc, &used)) {
+  if (StartUnit(root, data, size, &rc, &used)) {
     *code = rc;
     return used;
   }
+  UnitStack stack;
+  stack.push(root);
+  // The children follow each other in the data: `at` is where the next element
+  // starts, `used` what the last one took.
+  unsigned int at = used;
   for (;;) {
-    ReadFrame& top = stack.back();
     auto child = std::make_unique<CASNTUnit>();
-    ReadFrame next;
-    if (!StartUnit(child.get(), top.data + top.o, top.size - top.o, &next, &rc, &used)) {
-      next.owned = std::move(child);
-      stack.push_back(std::move(next));
+    if (!StartUnit(child.get(), data + at, size - at, &rc, &used)) {
+      at += used;
+      stack.push(child.get());
+      child.release();
       continue;
     }
+    at += used;
     // The finished child goes to its parent; a parent that finishes with it goes
     // on to its own parent in turn.
     for (;;) {
-      ReadFrame& parent = stack.back();
-      parent.o += used;
+      CASNTUnit* parent = stack.back();
       bool done = true;
-      if (rc != kOk) {
-        used = parent.o;  // the failed child is released, the code passed up unchanged
-      } else {
-        Items(*parent.unit).push_back(child.get());
+      if (rc == kOk) {
+        // A failed child is released and its code passed up unchanged.
+        Items(*parent).push_back(child.get());
         child.release();
-        const unsigned int o = parent.o;
-        if (!parent.indefinite) {
-          done = o - parent.h >= parent.length;
-          used = o;
-        } else if (o + 2 <= parent.size && parent.data[o] == 0 && parent.data[o + 1] == 0) {
-          used = o + 2;  // the end-of-contents octets are consumed
-        } else if (o >= parent.size) {
+        // The parent's header was read from this data: its contents start there.
+        const ASNT_ASN_STRUCT_INFO& header = Header(*parent);
+        if (header.Length != kIndefinite) {
+          done = at - static_cast<unsigned int>(header.Contents - data) >= header.Length;
+        } else if (at + 2 <= size && data[at] == 0 && data[at + 1] == 0) {
+          at += 2;  // the end-of-contents octets are consumed
+        } else if (at >= size) {
           rc = kErrMalformed;
-          used = o;
         } else {
           done = false;
         }
       }
       if (!done) break;
-      child = std::move(parent.owned);
-      stack.pop_back();
+      stack.pop();
       if (stack.empty()) {
         *code = rc;
-        return used;
+        return at;
       }
+      child.reset(parent);
     }
   }
 }
 
 void UnitTree::LayOut(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   nodes->clear();
+  // A first capacity for small trees, instead of growing from one node; still a
+  // small request for the allocator (see UnitStack).
+  nodes->reserve(kFirstCapacity / sizeof(UnitNode));
   struct Cursor {
     ItemList::const_iterator it;
     ItemList::const_iterator end;
@@ -163,6 +226,7 @@ void UnitTree::LayOut(const CASNTUnit& root, std::vector<UnitNode>* nodes) {
   const ItemList& rootItems = Items(root);
   nodes->push_back(UnitNode{&root, 0, 1, 0, 0, !rootItems.empty()});
   std::vector<Cursor> stack;
+  stack.reserve(kFirstCapacity / sizeof(Cursor));
   stack.push_back(Cursor{rootItems.begin(), rootItems.end(), 0});
   while (!stack.empty()) {
     Cursor& cursor = stack.back();
@@ -202,10 +266,8 @@ unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned c
                                   unsigned int size) {
   if (!buffer) return 0;
   unsigned int offset = 0;
-  std::vector<unsigned int> open;  // branches whose items are being written
   size_t i = 0;
   while (i < nodes.size()) {
-    while (!open.empty() && nodes[open.back()].end <= i) open.pop_back();
     const UnitNode& node = nodes[i];
     if (node.branch) {
       if (size - offset < node.size) {
@@ -217,15 +279,15 @@ unsigned int UnitTree::WriteNodes(const std::vector<UnitNode>& nodes, unsigned c
                               static_cast<unsigned char>(header.Class | header.Constructed),
                               header.Tag);
       offset += PutSizeOctets(buffer + offset, node.contents);
-      open.push_back(static_cast<unsigned int>(i));
       ++i;
       continue;
     }
     int local = kOk;
     offset += node.record->WriteData(buffer + offset, size - offset, &local);
-    if (local != kOk && !open.empty()) {
-      i = nodes[open.back()].end;  // a failed item stops the rest of its parent
-      open.pop_back();
+    if (local != kOk && i != 0) {
+      // A failed item stops the rest of its parent. Every node reached below the
+      // root has its parent written: a unit that does not fit is skipped whole.
+      i = nodes[node.parent].end;
       continue;
     }
     ++i;

@@ -59,9 +59,8 @@ class UnitTree {
   static void DestroyItems(CASNTUnit* unit) noexcept;
 
  private:
-  struct ReadFrame;
   static bool StartUnit(CASNTUnit* unit, const unsigned char* data, unsigned int size,
-                        ReadFrame* frame, int* code, unsigned int* used);
+                        int* code, unsigned int* used);
 
   static std::list<CASNTBaseRecord*>& Items(CASNTUnit& u) { return u.items; }
   static const std::list<CASNTBaseRecord*>& Items(const CASNTUnit& u) { return u.items; }
