@@ -147,9 +147,6 @@ class KeyInfoReader {
 namespace {
 
 
-// ReadInteger reads an INTEGER item into `target`: zero, then the decoded value
-// (least significant octet first) over its first octets. At most four octets are
-// copied: a longer value never occurs in the format.
 // PlainElement parses the element at `data` when its identifier is one octet and
 // its length definite and within `size`: `*info` then describes it exactly as a
 // record reading and re-parsing these octets would, so its value can be decoded
@@ -167,6 +164,9 @@ IdentObj DecodePlain(const ASNT_ASN_STRUCT_INFO& info) {
   return ASNTLowDecodeData(info, info.Contents, info.Length, nullptr);
 }
 
+// ReadInteger reads an INTEGER item into `target`: zero, then the decoded value
+// (least significant octet first) over its first octets. At most four octets are
+// copied: a longer value never occurs in the format.
 void ReadInteger(const unsigned char* item, unsigned int itemSize, unsigned int& target) {
   ASNT_ASN_STRUCT_INFO info;
   if (PlainElement(item, itemSize, &info) && info.Tag == kIntegerTag &&
