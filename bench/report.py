@@ -270,8 +270,13 @@ def report(results, cgdir):
         for w, krow, tgt in unmet:
             k = rows[f"{w}/{krow}"]
             p("")
-            p(f"`{w}/{krow}`: {fmt(k['cpu'])} ns/item against {tgt[0] if tgt else '—'} "
-              f"{fmt(tgt[1]['cpu']) if tgt else ''}; {fmt(k['allocs'])} allocations per item; "
+            head = (f"`{w}/{krow}`: {fmt(k['cpu'])} ns/item against {tgt[0] if tgt else '—'} "
+                    f"{fmt(tgt[1]['cpu']) if tgt else ''}; {fmt(k['allocs'])} allocations per item; ")
+            if k["ir"] is None or k["alloc_ir"] is None:
+                # BENCH_SKIP_CALLGRIND=1: timed only, nothing to profile.
+                p(head + "instructions not counted in this run (`BENCH_SKIP_CALLGRIND=1`)")
+                continue
+            p(head +
               f"{fmt(k['ir'])} instructions per item, of which {fmt(k['alloc_ir'])} "
               f"({100 * k['alloc_ir'] / k['ir']:.0f} %) in the allocator (`operator new`/"
               f"`delete`, `malloc`, `free`); {tgt[0] if tgt else ''} needs "
