@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The shared library carries its SONAME and exports exactly the symbols of the
 # checked-in list: none missing, and nothing else but the virtual tables, type
-# information and thunks of listed classes and the names in namespace keyasn.
+# information and thunks of listed classes and the names in namespace keyasn; and
+# its calls to its own exported functions do not go through the PLT.
 # Usage: exports_test.sh LIBRARY SYMBOL-LIST
 set -euo pipefail
 lib=$1
@@ -28,10 +29,19 @@ extra=$(comm -13 <(printf '%s\n' "$wanted") <(printf '%s\n' "$exported") |
 
 status=0
 if [ -n "$missing" ]; then
-  echo "missing exports ($(printf '%s\n' "$missing" | wc -l)):"; printf '  %s\n' "$missing"; status=1
+  echo "missing exports ($(printf '%s\n' "$missing" | wc -l)):"; printf '%s\n' "$missing" | sed 's/^/  /'; status=1
 fi
 if [ -n "$extra" ]; then
-  echo "exports not on the list ($(printf '%s\n' "$extra" | wc -l)):"; printf '  %s\n' "$extra"; status=1
+  echo "exports not on the list ($(printf '%s\n' "$extra" | wc -l)):"; printf '%s\n' "$extra" | sed 's/^/  /'; status=1
+fi
+# The library's calls to its own functions are bound inside it: no PLT slot names a
+# symbol the library defines.
+defined=$(nm -D --defined-only "$lib" | awk '{print $3}' | sed -E 's/@@?KEYASN_1$//' | sort -u)
+slots=$(readelf -rW "$lib" | awk '$3 == "R_X86_64_JUMP_SLOT" {print $5}' | sed -E 's/@.*$//' | sort -u)
+own=$(comm -12 <(printf '%s\n' "$defined") <(printf '%s\n' "$slots") | c++filt)
+if [ -n "$own" ]; then
+  echo "calls through the PLT to the library's own functions ($(printf '%s\n' "$own" | wc -l)):"
+  printf '%s\n' "$own" | head -20 | sed 's/^/  /'; status=1
 fi
 [ $status -eq 0 ] && echo "exports ok: $(printf '%s\n' "$wanted" | wc -l) listed symbols, $(printf '%s\n' "$exported" | wc -l) exported"
 exit $status
