@@ -53,11 +53,6 @@ std::string InputName(const std::string& file) {
   return file == "-" ? "<stdin>" : file;
 }
 
-std::string WalkErrorText(const WalkError& error, std::size_t base) {
-  return "error at offset " + std::to_string(error.offset + base) + ": " +
-         std::to_string(error.code) + " " + CodeMeaning(error.code) + ": " + error.meaning;
-}
-
 Source BundledSample() {
   Source source;
   source.name = "<bundled sample>";

@@ -176,10 +176,7 @@ bool Walker::Step() {
   } else {
     element.length = info.Length;
     if (element.length > after_header) {
-      const std::string meaning = "length " + std::to_string(element.length) +
-                                  " runs past the end of the " +
-                                  (frame.top ? "data" : "enclosing element") + " (" +
-                                  OctetCount(after_header) + " left)";
+      const std::string meaning = PastTheEnd(element.length, after_header, frame.top);
       if (!element.constructed) return Fail(pos_, 206, meaning);
       if (!pending_) {
         pending_ = true;
@@ -339,6 +336,16 @@ bool IsCompleteEncoding(const unsigned char* data, std::size_t size) {
   options.open_encapsulated = false;
   RootCheck check;
   return !WalkInto(data, size, options, &check).failed && check.roots() > 0;
+}
+
+std::string WalkErrorText(const WalkError& error, std::size_t base) {
+  return "error at offset " + std::to_string(error.offset + base) + ": " +
+         std::to_string(error.code) + " " + CodeMeaning(error.code) + ": " + error.meaning;
+}
+
+std::string PastTheEnd(std::size_t length, std::size_t left, bool top) {
+  return "length " + std::to_string(length) + " runs past the end of the " +
+         (top ? "data" : "enclosing element") + " (" + OctetCount(left) + " left)";
 }
 
 }  // namespace tool
