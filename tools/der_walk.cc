@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <climits>
+#include <cstdint>
 
 #include "keyasn/codec/error_text.h"
 #include "keyasn/codec/header.h"
@@ -144,6 +145,13 @@ bool Walker::Step() {
       ++id_length;
     }
     ++id_length;
+  }
+  // The codec keeps the low 32 bits of a longer tag number, which would then be
+  // shown, and written back by encode, as another tag.
+  std::uint64_t tag_number = 0;
+  for (std::size_t i = 1; i < id_length; ++i) {
+    tag_number = tag_number << 7 | (data_[pos_ + i] & 0x7Fu);
+    if (tag_number > UINT32_MAX) return Fail(pos_, 205, "tag number does not fit in 32 bits");
   }
   const unsigned char first_length = data_[pos_ + id_length];
   if (first_length > 0x84 && first_length != 0x80) {
