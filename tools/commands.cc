@@ -53,11 +53,6 @@ std::string InputName(const std::string& file) {
   return file == "-" ? "<stdin>" : file;
 }
 
-std::string WalkErrorText(const WalkError& error, std::size_t base) {
-  return "error at offset " + std::to_string(error.offset + base) + ": " +
-         std::to_string(error.code) + " " + CodeMeaning(error.code) + ": " + error.meaning;
-}
-
 Source BundledSample() {
   Source source;
   source.name = "<bundled sample>";
@@ -199,7 +194,7 @@ int RunEncode(const EncodeRequest& request, std::ostream& out, std::ostream& err
     Json document;
     try {
       document = Json::parse(source.bytes.begin(), source.bytes.end());
-    } catch (const Json::parse_error& e) {
+    } catch (const Json::exception& e) {  // a syntax error, or a number out of range (1e400)
       throw ToolError(kExitMalformed, std::string("not JSON: ") + e.what());
     }
     encoding = elements ? EncodeDumpJson(document) : type->encode(JsonIn(document, ""));

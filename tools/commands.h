@@ -63,9 +63,6 @@ int RunExtract(const ExtractRequest& request, std::ostream& out, std::ostream& e
 // InputName names the input of a request in messages before it is opened.
 std::string InputName(const std::string& file);
 
-// WalkErrorText is "error at offset N: CODE MEANING: detail", the offset moved by `base`.
-std::string WalkErrorText(const WalkError& error, std::size_t base = 0);
-
 // The bundled sample container (made from samples/container.der at build time).
 Source BundledSample();
 

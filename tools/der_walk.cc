@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <climits>
+#include <cstdint>
 
 #include "keyasn/codec/error_text.h"
 #include "keyasn/codec/header.h"
@@ -145,6 +146,13 @@ bool Walker::Step() {
     }
     ++id_length;
   }
+  // The codec keeps the low 32 bits of a longer tag number, which would then be
+  // shown, and written back by encode, as another tag.
+  std::uint64_t tag_number = 0;
+  for (std::size_t i = 1; i < id_length; ++i) {
+    tag_number = tag_number << 7 | (data_[pos_ + i] & 0x7Fu);
+    if (tag_number > UINT32_MAX) return Fail(pos_, 205, "tag number does not fit in 32 bits");
+  }
   const unsigned char first_length = data_[pos_ + id_length];
   if (first_length > 0x84 && first_length != 0x80) {
     // More than four length octets: the codec keeps the last four, so the
@@ -176,10 +184,7 @@ bool Walker::Step() {
   } else {
     element.length = info.Length;
     if (element.length > after_header) {
-      const std::string meaning = "length " + std::to_string(element.length) +
-                                  " runs past the end of the " +
-                                  (frame.top ? "data" : "enclosing element") + " (" +
-                                  OctetCount(after_header) + " left)";
+      const std::string meaning = PastTheEnd(element.length, after_header, frame.top);
       if (!element.constructed) return Fail(pos_, 206, meaning);
       if (!pending_) {
         pending_ = true;
@@ -339,6 +344,16 @@ bool IsCompleteEncoding(const unsigned char* data, std::size_t size) {
   options.open_encapsulated = false;
   RootCheck check;
   return !WalkInto(data, size, options, &check).failed && check.roots() > 0;
+}
+
+std::string WalkErrorText(const WalkError& error, std::size_t base) {
+  return "error at offset " + std::to_string(error.offset + base) + ": " +
+         std::to_string(error.code) + " " + CodeMeaning(error.code) + ": " + error.meaning;
+}
+
+std::string PastTheEnd(std::size_t length, std::size_t left, bool top) {
+  return "length " + std::to_string(length) + " runs past the end of the " +
+         (top ? "data" : "enclosing element") + " (" + OctetCount(left) + " left)";
 }
 
 }  // namespace tool

@@ -117,6 +117,13 @@ bool HoldsDer(const unsigned char* contents, std::size_t size);
 // left over, with no error anywhere inside.
 bool IsCompleteEncoding(const unsigned char* data, std::size_t size);
 
+// WalkErrorText is "error at offset N: CODE MEANING: detail", the offset moved by `base`.
+std::string WalkErrorText(const WalkError& error, std::size_t base = 0);
+
+// PastTheEnd is the detail of a length that runs past the octets there are:
+// past the end of the data (`top`) or of the enclosing element.
+std::string PastTheEnd(std::size_t length, std::size_t left, bool top);
+
 // CodeMeaning names one of the library's codes as a phrase for a message line:
 // keyasn::ErrorText without its capital and full stop ("the data is malformed or
 // truncated").

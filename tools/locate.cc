@@ -119,12 +119,8 @@ Located Locate(const unsigned char* data, std::size_t size, const std::vector<st
     const WalkResult result = WalkInto(data + scope.offset, scope.size, options, &finder);
     if (!finder.found() || finder.waiting()) {
       if (result.failed && (finder.found() || !finder.has_after())) {
-        throw ToolError(kExitMalformed, "offset " + std::to_string(offset) +
-                                            " not reached: error at offset " +
-                                            std::to_string(result.error.offset + scope.offset) +
-                                            ": " + std::to_string(result.error.code) + " " +
-                                            CodeMeaning(result.error.code) + ": " +
-                                            result.error.meaning);
+        throw ToolError(kExitMalformed, "offset " + std::to_string(offset) + " not reached: " +
+                                            WalkErrorText(result.error, scope.offset));
       }
       std::string nearest;
       if (finder.has_before()) nearest += std::to_string(finder.before() + scope.offset) + " before";
@@ -136,7 +132,16 @@ Located Locate(const unsigned char* data, std::size_t size, const std::vector<st
                                           " is not the start of an element (nearest starts: " +
                                           nearest + ")");
     }
-    at = Describe(finder.element(), scope.offset);
+    // The walk stops at the element found, before the damage of a constructed
+    // element whose length runs past the octets there are: its octets are not all
+    // there to be dumped or extracted.
+    const Element& found = finder.element();
+    const std::size_t left = scope.size - found.offset - found.header_length;
+    if (!found.indefinite && found.length > left) {
+      const WalkError damage{found.offset, 206, PastTheEnd(found.length, left, found.depth == 0)};
+      throw ToolError(kExitMalformed, WalkErrorText(damage, scope.offset));
+    }
+    at = Describe(found, scope.offset);
     first = false;
   }
   return at;

@@ -125,6 +125,8 @@ void LoadOidNames(const std::vector<std::string>& files) {
   if (system && ReadFile(kSystemOidFile, &text)) ParseOidNames(text, &names, &problem);
 }
 
+void ForgetOidNames() { ReadNames().clear(); }
+
 const char* OidName(const std::string& dotted) {
   const bool gost = dotted.compare(0, 8, "1.2.643.") == 0;
   if (gost) {

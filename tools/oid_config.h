@@ -26,6 +26,10 @@ bool ParseOidNames(const std::string& text, std::map<std::string, std::string>* 
 // Throws ToolError (kExitIo, kExitMalformed) naming the file that fails.
 void LoadOidNames(const std::vector<std::string>& files);
 
+// ForgetOidNames drops the names read from files, so that a program can load
+// other files afresh (the built-in names stay).
+void ForgetOidNames();
+
 // OidName returns the name of a dotted identifier, or null when it is unknown:
 // the built-in name first under the GOST arc 1.2.643, elsewhere the names read
 // from files first and the built-in ones as the fallback.

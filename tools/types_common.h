@@ -39,6 +39,18 @@ void Library(const std::string& what, Call call) {
 // ToolError naming `place`.
 void CheckCode(int code, const std::string& what, const std::string& place);
 
+// ReadWithCode runs a reader given an error pointer, `read(&code)`, and returns
+// what it returns. A reader may raise all the same (for damage deep inside a
+// member), so both the stored code and a raised failure become a ToolError.
+template <typename Read>
+unsigned int ReadWithCode(const std::string& what, const std::string& place, Read read) {
+  int code = 0;
+  unsigned int used = 0;
+  Library(what, [&] { used = read(&code); });
+  CheckCode(code, what, place);
+  return used;
+}
+
 inline IdentObj ToIdent(const Bytes& bytes) {
   return IdentObj(bytes.data(), static_cast<unsigned int>(bytes.size()));
 }

@@ -172,9 +172,8 @@ IdentObj ReadHeldKeyInfo(const JsonIn& in, const std::string& name) {
 
 void ShowContainer(const Bytes& der, View* view) {
   ASNContainerInfo container;
-  int code = 0;
-  container.ReadData(der.data(), Size(der), &code);
-  CheckCode(code, "cannot read the container", "ASNContainerInfo::ReadData");
+  ReadWithCode("cannot read the container", "ASNContainerInfo::ReadData",
+               [&](int* code) { return container.ReadData(der.data(), Size(der), code); });
   view->Num("Version", container.Version);
   ShowHeldKeyInfo(view, "KeyInfo", container.KeyInfo, &ASNContainerInfo::GetKeyInfo, container);
   ShowHeldKeyInfo(view, "DefenceKeyInfo", container.DefenceKeyInfo,

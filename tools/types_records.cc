@@ -112,9 +112,9 @@ Bytes EncodeProxyExchange(const JsonIn& in) {
 
 void ShowKeyRecord(const Bytes& der, View* view) {
   CASNKeyRecord record;
-  int code = 0;
-  const unsigned int used = record.ReadData(der.data(), Size(der), &code);
-  CheckCode(code, "cannot read the key record", "CASNKeyRecord::ReadData");
+  const unsigned int used =
+      ReadWithCode("cannot read the key record", "CASNKeyRecord::ReadData",
+                   [&](int* code) { return record.ReadData(der.data(), Size(der), code); });
   if (used != der.size()) {
     throw ToolError(kExitMalformed, "error at offset " + std::to_string(used) +
                                         ": data after the key record (the key's count says " +

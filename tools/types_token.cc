@@ -15,9 +15,8 @@ namespace {
 
 void ShowCryptokiElem(const Bytes& der, View* view) {
   ASNCryptokiElemInfo info;
-  int code = 0;
-  info.ReadData(der.data(), Size(der), &code);
-  CheckCode(code, "cannot read the Cryptoki element", "ASNCryptokiElemInfo::ReadData");
+  ReadWithCode("cannot read the Cryptoki element", "ASNCryptokiElemInfo::ReadData",
+               [&](int* code) { return info.ReadData(der.data(), Size(der), code); });
   view->Num("Type", info.Type);
   view->Octets("Value", info.Value.GetData(), info.Value.Count());
 }
@@ -61,9 +60,9 @@ Bytes ReadName(const JsonIn& in, const std::string& name) {
 
 void ShowCryptokiCont(const Bytes& der, View* view) {
   ASNCryptokiContInfo info;
-  int code = 0;
-  const unsigned int split = info.ReadData(der.data(), Size(der), &code);
-  CheckCode(code, "cannot read the Cryptoki container", "ASNCryptokiContInfo::ReadData");
+  const unsigned int split =
+      ReadWithCode("cannot read the Cryptoki container", "ASNCryptokiContInfo::ReadData",
+                   [&](int* code) { return info.ReadData(der.data(), Size(der), code); });
   CheckCode(static_cast<int>(split), "cannot split the Cryptoki container's elements",
             "ASNCryptokiContInfo::ReadData");
   ShowName(view, "Name", info.Name);

@@ -152,6 +152,8 @@ run 0 show --as keyinfo "$work/legacy-key.hex" && \
 # Malformed JSON for encode: exit 2, the member named.
 echo '{"Version": 3,' > "$work/broken.json"
 run 2 encode --as container "$work/broken.json" && err_has "keyasn: $work/broken.json: not JSON: "
+echo '[{"tag": 1e400}]' > "$work/huge.json"
+run 2 encode "$work/huge.json" && err_has "keyasn: $work/huge.json: not JSON: " && err_has "number overflow"
 echo '{"Version": -1, "KeyInfo": null, "DefenceKeyInfo": null, "Optional0": null, "Optional1": null}' > "$work/neg.json"
 run 2 encode --as container "$work/neg.json" && err_has 'member "Version": expected a whole number from 0 to 4294967295'
 echo '{"Version": 3, "KeyInfo": {"Flags": 1}, "DefenceKeyInfo": null, "Optional0": null, "Optional1": null}' > "$work/partial.json"

@@ -196,6 +196,19 @@ TEST(LocateTest, OffsetsFoundOrRefusedWithNeighbours) {
   const Bytes closed = H("0402 0500");
   EXPECT_THROW(Locate(closed.data(), closed.size(), {2}, true), ToolError);
   EXPECT_EQ(Locate(closed.data(), closed.size(), {0, 2}, true).whole.size, 2u);
+  // An element whose length runs past the octets there are is refused, not
+  // handed on with an extent beyond the input; what it holds is still found.
+  const Bytes damaged = H("3082 2B06 3006 0500");
+  for (const std::vector<std::size_t>& offsets : {std::vector<std::size_t>{0}, {4}, {0, 4}}) {
+    try {
+      Locate(damaged.data(), damaged.size(), offsets, true);
+      ADD_FAILURE() << "accepted";
+    } catch (const ToolError& e) {
+      const std::string text = e.what();
+      EXPECT_NE(text.find("runs past the end of the"), std::string::npos) << text;
+    }
+  }
+  EXPECT_EQ(Locate(damaged.data(), damaged.size(), {6}, true).whole.size, 2u);
   // An indefinite element's extent includes its end-of-contents octets.
   const Bytes indefinite = H("3080 3080 0500 0000 0000");
   EXPECT_EQ(Locate(indefinite.data(), indefinite.size(), {2}, true).whole.size, 6u);

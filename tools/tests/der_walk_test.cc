@@ -119,6 +119,7 @@ TEST(WalkTest, MalformedInputs) {
       {"reserved length octet", "04FF", 0, 206, "bad length octet 0xFF", 0},
       {"length beyond 32 bits", "0485 0100000001 AA", 0, 206, "length does not fit in 32 bits", 0},
       {"high tag number not ending", "1F8181", 0, 205, "high tag number does not end", 0},
+      {"tag number beyond 32 bits", "1F9080808000 00", 0, 205, "tag number does not fit in 32 bits", 0},
       {"high tag number without length", "1F81 01", 0, 206, "no length octets", 0},
       {"indefinite without end", "3080 020105", 0, 206, "without end-of-contents octets", 2},
       {"primitive indefinite without end", "0480 4142", 0, 206,

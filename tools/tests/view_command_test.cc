@@ -146,6 +146,28 @@ TEST(RunViewTest, DamagedInputGivesAPageAndTheError) {
   EXPECT_FALSE(data.contains("members"));
 }
 
+// Members of damaged input that the library's reader raises for, though given
+// an error pointer, are a member error on the page, not an abort.
+TEST(RunViewTest, MembersTheReaderRaisesForAreAnError) {
+  const Bytes der = H(
+      "30801F8080808002810100301006072A8648CE3D020106052B8104000F042B30"
+      "800201F10401130000F4FFFFFF0000000000000001FFE10200408000DFD6FF2A"
+      "82D28160AE020113042B81040021031E008080000000");
+  const std::string path = ::testing::TempDir() + "view_raises.der";
+  {
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(der.data()), static_cast<std::streamsize>(der.size()));
+  }
+  ViewRequest request;
+  request.file = path;
+  request.type = "container";
+  std::ostringstream out, err;
+  EXPECT_EQ(RunView(request, out, err), kExitMalformed);
+  const Json data = PageData(out.str());
+  EXPECT_NE(data["member_error"].get<std::string>().find("cannot read the container"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace tool
 }  // namespace keyasn
